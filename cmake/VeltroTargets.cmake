@@ -1,0 +1,21 @@
+# Shared target settings: strict warnings everywhere.
+set(VELTRO_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align
+    -Woverloaded-virtual -Wnull-dereference -Wformat=2 -Werror)
+
+function(veltro_warnings target)
+    target_compile_options(${target} PRIVATE ${VELTRO_WARNINGS})
+endfunction()
+
+# veltro_engine_library(<name> [DEPS <targets>...])
+# A Qt-free static library made of every .cpp in the current folder. Qt's include
+# directories are never on its path, so a stray Qt include fails to compile.
+function(veltro_engine_library name)
+    cmake_parse_arguments(ARG "" "" "DEPS" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+    add_library(${name} STATIC ${sources} ${headers})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} PUBLIC ${ARG_DEPS})
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
+    veltro_warnings(${name})
+endfunction()

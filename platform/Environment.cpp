@@ -1,0 +1,52 @@
+#include "platform/Environment.h"
+
+#include <cstdlib>
+#include <pwd.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+std::string withoutTrailingSlashes(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
+}
+
+std::string readHomeFolder() {
+    if (const char* home = std::getenv("HOME"); home && home[0] == '/')
+        return withoutTrailingSlashes(home);
+    long bufferSize = sysconf(_SC_GETPW_R_SIZE_MAX);
+    std::vector<char> buffer(bufferSize > 0 ? static_cast<size_t>(bufferSize) : 16384);
+    passwd entry{};
+    passwd* found = nullptr;
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found && found->pw_dir &&
+        found->pw_dir[0] == '/')
+        return withoutTrailingSlashes(found->pw_dir);
+    return "/";
+}
+
+std::string readTemporaryFolder() {
+    if (const char* tmp = std::getenv("TMPDIR"); tmp && tmp[0] == '/')
+        return withoutTrailingSlashes(tmp);
+    return "/tmp";
+}
+
+} // namespace
+
+namespace Environment {
+
+const std::string& homeFolder() {
+    static const std::string home = readHomeFolder();
+    return home;
+}
+
+const std::string& temporaryFolder() {
+    static const std::string tmp = readTemporaryFolder();
+    return tmp;
+}
+
+uid_t realUserID() { return getuid(); }
+gid_t realGroupID() { return getgid(); }
+
+} // namespace Environment

@@ -1,0 +1,38 @@
+#pragma once
+// Measures the System Data areas with one administrator script and performs their
+// actions. Blocking calls; run them off the interface thread.
+
+#include "systemdata/SystemDataEntry.h"
+#include "systemdata/SystemDataReport.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace SystemDataAnalyzer {
+
+// Called once per id as results arrive (bytes; for "tm" the snapshot count), from
+// the analysing thread: the receiver moves it to its own thread.
+using EntryCallback = std::function<void(const std::string& id, int64_t value)>;
+
+struct Analysis {
+    std::optional<SystemDataReport> report;
+    std::optional<std::string> message; // exactly one of the two is present
+};
+
+Analysis analyze(const EntryCallback& onEntry);
+
+// Runs the action; no message on success.
+std::optional<std::string> perform(const SystemDataEntry::Action& action);
+
+// "id|number" lines in order; malformed lines ignored.
+std::vector<std::pair<std::string, int64_t>> parse(std::string_view text);
+
+// The measurement script for the entries, writing progress to `progressPath`.
+std::string measurementScript(const std::vector<SystemDataEntry>& entries, const std::string& progressPath);
+
+} // namespace SystemDataAnalyzer

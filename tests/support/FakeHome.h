@@ -1,0 +1,28 @@
+#pragma once
+// A fresh home and temporary folder for the current test process. Construct it
+// before anything reads the home folder: the process keeps the first value it sees,
+// and ctest runs every test in its own process.
+
+#include "support/TempTree.h"
+
+#include <string>
+
+class FakeHome {
+public:
+    FakeHome();
+
+    const std::string& home() const { return home_; }
+    const std::string& tmp() const { return tmp_; }
+    TempTree& tree() { return tree_; }
+
+    // Absolute path of `relative` inside the home folder.
+    std::string path(const std::string& relative) const { return home_ + "/" + relative; }
+    std::string makeDir(const std::string& relative) const;
+    std::string makeFile(const std::string& relative, const std::string& content = {}) const;
+    std::string makeFileOfSize(const std::string& relative, int64_t bytes) const;
+
+private:
+    TempTree tree_;
+    std::string home_;
+    std::string tmp_;
+};
