@@ -24,7 +24,11 @@ struct Analysis {
     std::optional<std::string> message; // exactly one of the two is present
 };
 
+// Measures the catalogue's entries. Blocks until the privileged run has ended.
 Analysis analyze(const EntryCallback& onEntry);
+
+// The same for any list of entries (a subset, or folders of one's own).
+Analysis analyze(const std::vector<SystemDataEntry>& entries, const EntryCallback& onEntry);
 
 // Runs the action; no message on success.
 std::optional<std::string> perform(const SystemDataEntry::Action& action);

@@ -1,0 +1,341 @@
+#include "systemdata/SystemDataAnalyzer.h"
+
+#include "platform/Environment.h"
+#include "platform/Localized.h"
+#include "platform/ShellQuote.h"
+#include "platform/Uuid.h"
+#include "removal/Privileged.h"
+#include "removal/Shell.h"
+#include "systemdata/Flag.h"
+#include "systemdata/SystemDataCatalog.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <fcntl.h>
+#include <limits>
+#include <set>
+#include <sys/statvfs.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+constexpr double measurementTimeout = 900;
+constexpr double adminActionTimeout = 1800;
+constexpr double userActionTimeout = 600;
+constexpr auto pollInterval = std::chrono::milliseconds(150);
+constexpr size_t analysisMessageLength = 200;
+constexpr size_t actionMessageLength = 300;
+constexpr int64_t kibibyte = 1024;
+
+bool isContinuationByte(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+// The first `count` code points of UTF-8 text, never ending inside a sequence.
+std::string prefixOfCodePoints(std::string_view text, size_t count) {
+    size_t seen = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (isContinuationByte(text[i]))
+            continue;
+        if (seen == count)
+            return std::string(text.substr(0, i));
+        ++seen;
+    }
+    return std::string(text);
+}
+
+// Decodes the code point starting at `i` (well-formed UTF-8 assumed: the shell
+// runner already replaced invalid bytes); sets `length` to its byte count.
+char32_t codePointAt(std::string_view text, size_t i, size_t& length) {
+    const auto lead = static_cast<unsigned char>(text[i]);
+    length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    if (i + length > text.size()) {
+        length = 1;
+        return lead;
+    }
+    char32_t value = length == 1 ? lead : length == 2 ? lead & 0x1F : length == 3 ? lead & 0x0F : lead & 0x07;
+    for (size_t k = 1; k < length; ++k)
+        value = (value << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
+    return value;
+}
+
+// Unicode White_Space, which covers both white space and line breaks.
+bool isWhiteSpace(char32_t c) {
+    return (c >= 0x09 && c <= 0x0D) || c == 0x20 || c == 0x85 || c == 0xA0 || c == 0x1680 ||
+           (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||
+           c == 0x3000;
+}
+
+std::string trimmingWhiteSpace(std::string_view text) {
+    size_t begin = 0;
+    while (begin < text.size()) {
+        size_t length = 0;
+        if (!isWhiteSpace(codePointAt(text, begin, length)))
+            break;
+        begin += length;
+    }
+    size_t end = text.size();
+    while (end > begin) {
+        size_t start = end - 1;
+        while (start > begin && isContinuationByte(text[start]))
+            --start;
+        size_t length = 0;
+        if (!isWhiteSpace(codePointAt(text, start, length)))
+            break;
+        end = start;
+    }
+    return std::string(text.substr(begin, end - begin));
+}
+
+std::string_view trimmingSpacesAndTabs(std::string_view text) {
+    const size_t begin = text.find_first_not_of(" \t");
+    if (begin == std::string_view::npos)
+        return {};
+    const size_t end = text.find_last_not_of(" \t");
+    return text.substr(begin, end - begin + 1);
+}
+
+// A whole decimal number: an optional sign, then digits only, within int64.
+std::optional<int64_t> wholeNumber(std::string_view text) {
+    std::string_view digits = text;
+    if (!digits.empty() && (digits.front() == '+' || digits.front() == '-'))
+        digits.remove_prefix(1);
+    if (digits.empty() ||
+        !std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return std::nullopt;
+    // from_chars takes a leading minus but not a plus; keeping the minus lets the
+    // most negative value parse.
+    const std::string_view parsed = text.front() == '+' ? digits : text;
+    int64_t value = 0;
+    const auto [end, error] = std::from_chars(parsed.data(), parsed.data() + parsed.size(), value);
+    if (error != std::errc() || end != parsed.data() + parsed.size())
+        return std::nullopt;
+    return value;
+}
+
+// Sizes come from the script in KiB; a value too large to scale stays at the limit.
+int64_t bytesFromKibibytes(int64_t kib) {
+    int64_t bytes = 0;
+    if (__builtin_mul_overflow(kib, kibibyte, &bytes))
+        return kib < 0 ? std::numeric_limits<int64_t>::min() : std::numeric_limits<int64_t>::max();
+    return bytes;
+}
+
+int64_t deliveredValue(const std::string& id, int64_t number) {
+    return id == "tm" ? number : bytesFromKibibytes(number);
+}
+
+bool createEmptyFile(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (fd < 0)
+        return false;
+    ::close(fd);
+    return true;
+}
+
+std::optional<std::string> readFile(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (fd < 0)
+        return std::nullopt;
+    std::string content;
+    char buffer[8192];
+    for (;;) {
+        const ssize_t n = ::read(fd, buffer, sizeof buffer);
+        if (n > 0) {
+            content.append(buffer, static_cast<size_t>(n));
+        } else if (n == 0) {
+            break;
+        } else if (errno != EINTR) {
+            ::close(fd);
+            return std::nullopt;
+        }
+    }
+    ::close(fd);
+    return content;
+}
+
+// Hands on every id of the progress file that has not been delivered yet.
+void deliverProgress(const std::string& progressPath, std::set<std::string>& delivered,
+                     const SystemDataAnalyzer::EntryCallback& onEntry) {
+    std::optional<std::string> content = readFile(progressPath);
+    if (!content)
+        return;
+    // A line still being appended is left for the next read: an id is delivered
+    // only once, so a half-written number would stick.
+    const size_t lastLineFeed = content->rfind('\n');
+    content->resize(lastLineFeed == std::string::npos ? 0 : lastLineFeed + 1);
+    for (const auto& [id, number] : SystemDataAnalyzer::parse(Shell::decodeUtf8Lossy(*content))) {
+        if (!delivered.insert(id).second)
+            continue;
+        if (onEntry)
+            onEntry(id, deliveredValue(id, number));
+    }
+}
+
+struct Capacities {
+    std::optional<int64_t> available;
+    std::optional<int64_t> availableForImportantUsage;
+};
+
+// Linux reports one free-space figure: nothing is set aside that the system would
+// free on its own, so the important-usage figure is the available one.
+Capacities rootVolumeCapacities() {
+    struct statvfs info {};
+    if (::statvfs("/", &info) != 0)
+        return {};
+    const auto available = static_cast<int64_t>(info.f_bavail) * static_cast<int64_t>(info.f_frsize);
+    return {available, available};
+}
+
+int64_t purgeableSpace() {
+    const Capacities capacities = rootVolumeCapacities();
+    if (!capacities.available || !capacities.availableForImportantUsage)
+        return 0;
+    return std::max<int64_t>(0, *capacities.availableForImportantUsage - *capacities.available);
+}
+
+SystemDataReport reportFrom(const std::string& output) {
+    SystemDataReport report;
+    report.date = Dates::now();
+    for (const auto& [id, number] : SystemDataAnalyzer::parse(output)) {
+        if (id == "tm")
+            report.snapshotCount = static_cast<int>(std::clamp<int64_t>(
+                number, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+        else
+            report.sizes[id] = bytesFromKibibytes(number);
+    }
+    // The logs live inside /private/var/db but have their own row.
+    if (const auto dbother = report.sizes.find("dbother"); dbother != report.sizes.end()) {
+        const auto logs = report.sizes.find("unifiedlogs");
+        const int64_t logBytes = logs == report.sizes.end() ? 0 : logs->second;
+        dbother->second = std::max<int64_t>(0, dbother->second - logBytes);
+    }
+    report.purgeable = purgeableSpace();
+    return report;
+}
+
+bool wasCancelled(const Shell::Output& output) {
+    return output.standardError.find("-128") != std::string::npos;
+}
+
+} // namespace
+
+namespace SystemDataAnalyzer {
+
+std::vector<std::pair<std::string, int64_t>> parse(std::string_view text) {
+    static constexpr std::string_view lineSeparator = "\u2028";
+    static constexpr std::string_view paragraphSeparator = "\u2029";
+
+    std::vector<std::pair<std::string, int64_t>> pairs;
+    const auto acceptLine = [&pairs](std::string_view line) {
+        const size_t bar = line.find('|');
+        if (bar == std::string_view::npos || bar == 0 || bar + 1 == line.size())
+            return;
+        if (const std::optional<int64_t> number = wholeNumber(trimmingSpacesAndTabs(line.substr(bar + 1))))
+            pairs.emplace_back(std::string(line.substr(0, bar)), *number);
+    };
+
+    size_t start = 0;
+    size_t i = 0;
+    while (i < text.size()) {
+        size_t separatorLength = 0;
+        if (text[i] == '\n' || text[i] == '\r')
+            separatorLength = 1;
+        else if (text.substr(i, 3) == lineSeparator || text.substr(i, 3) == paragraphSeparator)
+            separatorLength = 3;
+        if (separatorLength == 0) {
+            ++i;
+            continue;
+        }
+        // An empty line, including the gap of a CR LF pair, gives nothing.
+        if (i > start)
+            acceptLine(text.substr(start, i - start));
+        i += separatorLength;
+        start = i;
+    }
+    if (start < text.size())
+        acceptLine(text.substr(start));
+    return pairs;
+}
+
+std::string measurementScript(const std::vector<SystemDataEntry>& entries, const std::string& progressPath) {
+    std::string script;
+    script += "#!/bin/sh\n";
+    script += "PROG=" + shellQuote(progressPath) + "\n";
+    script += "emit() { printf '%s|%s\\n' \"$1\" \"$2\"; printf '%s|%s\\n' \"$1\" \"$2\" >> \"$PROG\"; }\n";
+    for (const SystemDataEntry& entry : entries) {
+        if (entry.id == "tm") {
+            script += "emit tm \"$(tmutil listlocalsnapshots / 2>/dev/null | grep -c com.apple)\"\n";
+            continue;
+        }
+        const std::vector<std::string> paths = entry.expandedPaths();
+        if (paths.empty())
+            continue;
+        script += "emit " + shellQuote(entry.id) + " \"$(du -skx";
+        for (const std::string& path : paths)
+            script += " " + shellQuote(path);
+        script += " 2>/dev/null | awk '{s+=$1} END {print s+0}')\"\n";
+    }
+    script += "exit 0\n";
+    return script;
+}
+
+Analysis analyze(const EntryCallback& onEntry) {
+    return analyze(SystemDataCatalog::entries(), onEntry);
+}
+
+Analysis analyze(const std::vector<SystemDataEntry>& entries, const EntryCallback& onEntry) {
+    const std::string progressPath = Environment::temporaryFolder() + "/korvane-sd-" + makeUuid() + ".txt";
+    // When the file cannot be made, the script's own appends may still create it;
+    // if not, only the row-by-row progress is lost, never the report.
+    createEmptyFile(progressPath);
+    const std::string script = measurementScript(entries, progressPath);
+
+    Flag finished;
+    Shell::Output output;
+    std::jthread run([&] {
+        output = Privileged::run(script,
+                                 localized("Veltro needs administrator privileges to measure System Data."),
+                                 measurementTimeout);
+        finished.set(true);
+    });
+
+    std::set<std::string> delivered;
+    while (!finished.value()) {
+        std::this_thread::sleep_until(std::chrono::steady_clock::now() + pollInterval);
+        deliverProgress(progressPath, delivered, onEntry);
+    }
+    deliverProgress(progressPath, delivered, onEntry);
+    run.join();
+    ::unlink(progressPath.c_str());
+
+    if (output.status != 0) {
+        if (wasCancelled(output))
+            return {std::nullopt, localized("Authentication was cancelled")};
+        return {std::nullopt,
+                localizedFormat("Analysis failed: %1",
+                                {prefixOfCodePoints(output.standardError, analysisMessageLength)})};
+    }
+    return {reportFrom(output.standardOutput), std::nullopt};
+}
+
+std::optional<std::string> perform(const SystemDataEntry::Action& action) {
+    const Shell::Output output =
+        action.admin
+            ? Privileged::run("#!/bin/sh\n" + action.shell + "\n",
+                              localizedFormat("Veltro needs administrator privileges to: %1", {action.title}),
+                              adminActionTimeout)
+            : Shell::run(action.shell, userActionTimeout);
+    if (output.status == 0)
+        return std::nullopt;
+    if (wasCancelled(output))
+        return localized("Authentication was cancelled");
+    if (const std::string reason = trimmingWhiteSpace(output.standardError); !reason.empty())
+        return prefixOfCodePoints(reason, actionMessageLength);
+    return localizedFormat("Failed (exit %1)", {std::to_string(output.status)});
+}
+
+} // namespace SystemDataAnalyzer
