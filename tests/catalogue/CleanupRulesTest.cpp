@@ -1,0 +1,398 @@
+#include "catalogue/CleanupRules.h"
+
+#include "CatalogueHome.h"
+#include "platform/Environment.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+#include <variant>
+#include <vector>
+
+namespace {
+
+const Rule& ruleWithID(const std::string& id) {
+    const auto& all = CleanupRules::rules();
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&](const Rule& rule) { return rule.category.id == id; });
+    if (found == all.end())
+        throw std::runtime_error("no rule " + id);
+    return *found;
+}
+
+// A readable form of one source, so a whole source list compares as strings.
+std::string describe(const Source& source) {
+    if (const auto* children = std::get_if<Source::Children>(&source.value)) {
+        std::string text = "children " + children->pattern;
+        if (children->olderThanDays)
+            text += " older " + std::to_string(*children->olderThanDays);
+        text += children->dateKey == Source::DateKey::added ? " added" : " modified";
+        for (const std::string& name : children->exclude)
+            text += " -" + name;
+        return text;
+    }
+    if (const auto* items = std::get_if<Source::Items>(&source.value))
+        return "items " + items->pattern;
+    if (const auto* command = std::get_if<Source::Command>(&source.value))
+        return "command " + command->id;
+    return "largeFiles";
+}
+
+std::vector<std::string> describeAll(const std::vector<Source>& sources) {
+    std::vector<std::string> out;
+    for (const Source& source : sources)
+        out.push_back(describe(source));
+    return out;
+}
+
+std::vector<std::string> patternsOf(const std::vector<Source>& sources) {
+    std::vector<std::string> out;
+    for (const Source& source : sources) {
+        if (const auto* items = std::get_if<Source::Items>(&source.value))
+            out.push_back(items->pattern);
+        else if (const auto* children = std::get_if<Source::Children>(&source.value))
+            out.push_back(children->pattern);
+    }
+    return out;
+}
+
+const std::vector<std::string> tableOrder{
+    "apps.browsers",     "apps.electron",  "apps.sandbox",  "apps.media",  "dev.derived",
+    "dev.devicesupport", "dev.archives",   "dev.packages",  "dev.stores",  "user.trash",
+    "user.mail",         "user.ios",       "user.temp",     "user.state",  "user.caches",
+    "user.logs",         "user.downloads", "system.caches", "system.logs", "system.updates",
+    "system.snapshots",  "large.files"};
+
+} // namespace
+
+TEST(CleanupRules, RulesStandInTableOrderWithDistinctIds) {
+    catalogueHome();
+    std::vector<std::string> ids;
+    for (const Rule& rule : CleanupRules::rules())
+        ids.push_back(rule.category.id);
+    EXPECT_EQ(ids, tableOrder);
+    EXPECT_EQ(std::set<std::string>(ids.begin(), ids.end()).size(), 22u);
+}
+
+TEST(CleanupRules, CategoriesAreGroupedInDeclarationOrder) {
+    catalogueHome();
+    const std::vector<std::string> expected{
+        "user.trash",     "user.mail",        "user.ios",       "user.temp",         "user.state",
+        "user.caches",    "user.logs",        "user.downloads", "system.caches",     "system.logs",
+        "system.updates", "system.snapshots", "dev.derived",    "dev.devicesupport", "dev.archives",
+        "dev.packages",   "dev.stores",       "apps.browsers",  "apps.electron",     "apps.sandbox",
+        "apps.media",     "large.files"};
+    std::vector<std::string> ids;
+    for (const CleanCategory& category : CleanupRules::categories()) {
+        ids.push_back(category.id);
+        // The very record of the rule, not just one with the same id.
+        const CleanCategory& own = ruleWithID(category.id).category;
+        EXPECT_EQ(category.title, own.title);
+        EXPECT_EQ(category.detail, own.detail);
+        EXPECT_EQ(category.group, own.group);
+        EXPECT_EQ(category.risk, own.risk);
+        EXPECT_EQ(category.selectedByDefault, own.selectedByDefault);
+    }
+    EXPECT_EQ(ids, expected);
+}
+
+TEST(CleanupRules, RecommendedPermanentAndFullDiskAccessFlags) {
+    catalogueHome();
+    std::set<std::string> recommended, permanent, fullDiskAccess;
+    for (const Rule& rule : CleanupRules::rules()) {
+        if (rule.category.selectedByDefault)
+            recommended.insert(rule.category.id);
+        if (rule.permanent)
+            permanent.insert(rule.category.id);
+        if (rule.needsFullDiskAccess)
+            fullDiskAccess.insert(rule.category.id);
+    }
+    EXPECT_EQ(recommended, (std::set<std::string>{
+                               "apps.browsers", "apps.electron", "apps.sandbox", "dev.derived",
+                               "dev.devicesupport", "dev.packages", "user.trash", "user.mail", "user.temp",
+                               "user.state", "user.caches", "user.logs", "system.caches", "system.logs"}));
+    EXPECT_EQ(permanent, std::set<std::string>{"user.trash"});
+    EXPECT_EQ(fullDiskAccess, (std::set<std::string>{"apps.sandbox", "user.mail", "user.ios"}));
+}
+
+TEST(CleanupRules, TitlesDetailsSymbolsGroupsAndRisks) {
+    catalogueHome();
+    struct Expected {
+        const char* id;
+        CategoryGroup group;
+        Risk risk;
+        const char* symbol;
+        const char* title;
+        const char* detail;
+    };
+    using G = CategoryGroup;
+    const Expected table[] = {
+        {"apps.browsers", G::apps, Risk::safe, "safari", "Browser Caches",
+         "Safari, Chrome, Edge, Brave, Arc, Firefox, Opera, Vivaldi \u2014 web, code and GPU caches. "
+         "Bookmarks, "
+         "passwords and history are not touched. Quit browsers before cleaning."},
+        {"apps.electron", G::apps, Risk::safe, "app.badge", "App Caches (Slack, Discord, VS Code \u2026)",
+         "Caches of Electron/Chromium apps such as Slack, Discord, Teams, VS Code, Cursor, Notion, Figma and "
+         "Spotify. Safe to remove \u2014 apps rebuild them."},
+        {"apps.sandbox", G::apps, Risk::safe, "shippingbox", "Sandboxed App Caches (App Store)",
+         "~/Library/Containers/*/Data/Library/Caches \u2014 caches of App Store and Apple apps (requires "
+         "Full Disk "
+         "Access)."},
+        {"apps.media", G::apps, Risk::caution, "film.stack", "Video Editing Caches (Adobe / DaVinci)",
+         "Adobe Media Cache, Peak Files and DaVinci Resolve CacheClip \u2014 rebuilt when a project is "
+         "opened "
+         "(slower the first time)."},
+        {"dev.derived", G::developer, Risk::safe, "hammer.circle", "Xcode DerivedData",
+         "Xcode's intermediate build files \u2014 always safe to remove; the next build will be slower."},
+        {"dev.devicesupport", G::developer, Risk::safe, "iphone.gen3", "Device Support & Simulators",
+         "iOS/watchOS/tvOS/visionOS DeviceSupport (re-downloaded when a device is connected), Simulator "
+         "caches "
+         "and unavailable Simulators."},
+        {"dev.archives", G::developer, Risk::review, "archivebox", "Xcode Archives",
+         "Your .xcarchive files \u2014 they contain the dSYMs needed to symbolicate crash logs of shipped "
+         "versions. Choose manually."},
+        {"dev.packages", G::developer, Risk::safe, "shippingbox.circle", "Package Manager Caches",
+         "npm, Yarn, pnpm, Bun, pip, Homebrew, CocoaPods, SwiftPM, Go build, Gradle, Electron, node-gyp "
+         "\u2014 "
+         "re-downloaded when needed."},
+        {"dev.stores", G::developer, Risk::caution, "books.vertical", "Large Library Stores",
+         "Go modules, NuGet, Maven, Cargo registry, Gradle wrapper, ~/.cache (e.g. Hugging Face models) "
+         "\u2014 "
+         "everything must be re-downloaded on the next project build."},
+        {"user.trash", G::user, Risk::caution, "trash", "Trash",
+         "Items in your Trash and on external drives \u2014 deleted permanently."},
+        {"user.mail", G::user, Risk::safe, "envelope", "Mail Downloads",
+         "Copies of attachments Mail has opened (the originals stay in your email)."},
+        {"user.ios", G::user, Risk::review, "iphone", "iOS Backups & Updates",
+         "iPhone/iPad backups and downloaded .ipsw files \u2014 deleted backups cannot be recovered. Choose "
+         "manually."},
+        {"user.temp", G::user, Risk::safe, "clock.arrow.circlepath", "Temporary Files",
+         "Files in $TMPDIR not modified for more than 3 days."},
+        {"user.state", G::user, Risk::safe, "macwindow.on.rectangle", "Saved Application State",
+         "Window state apps remember when they quit \u2014 apps will open with fresh windows."},
+        {"user.caches", G::user, Risk::safe, "internaldrive", "User Caches",
+         "~/Library/Caches \u2014 caches of every app, rebuilt on next launch (iCloud/CloudKit caches in use "
+         "are "
+         "excluded)."},
+        {"user.logs", G::user, Risk::safe, "doc.text.magnifyingglass", "Logs & Crash Reports",
+         "~/Library/Logs including DiagnosticReports \u2014 log files not needed for anything to work."},
+        {"user.downloads", G::user, Risk::review, "arrow.down.circle", "Old Downloads (> 90 days)",
+         "Items added to Downloads more than 90 days ago \u2014 review before deleting."},
+        {"system.caches", G::system, Risk::caution, "cpu", "System Caches",
+         "/Library/Caches \u2014 system-wide caches for all users. Requires an administrator password "
+         "(SIP-protected items are skipped). Restarting afterwards is recommended."},
+        {"system.logs", G::system, Risk::safe, "list.bullet.rectangle", "System Logs & Diagnostics",
+         "/Library/Logs, system crash/diagnostic reports and old compressed logs in /private/var/log."},
+        {"system.updates", G::system, Risk::caution, "arrow.triangle.2.circlepath", "Old Software Updates",
+         "/Library/Updates \u2014 leftover downloaded updates."},
+        {"system.snapshots", G::system, Risk::caution, "clock.badge.checkmark",
+         "Time Machine Local Snapshots",
+         "Local snapshots kept by Time Machine (counted as \"System Data\") \u2014 backups on your Time "
+         "Machine "
+         "drive are not affected."},
+        {"large.files", G::large, Risk::review, "doc.zipper", "Large Files",
+         "Files above the size threshold in your home folder and any folders you add \u2014 never "
+         "pre-selected; "
+         "you decide file by file."},
+    };
+    ASSERT_EQ(CleanupRules::rules().size(), std::size(table));
+    for (size_t i = 0; i < std::size(table); ++i) {
+        const CleanCategory& category = CleanupRules::rules()[i].category;
+        SCOPED_TRACE(table[i].id);
+        EXPECT_EQ(category.id, table[i].id);
+        EXPECT_EQ(category.group, table[i].group);
+        EXPECT_EQ(category.risk, table[i].risk);
+        EXPECT_EQ(category.symbol, table[i].symbol);
+        EXPECT_EQ(category.title, table[i].title);
+        EXPECT_EQ(category.detail, table[i].detail);
+    }
+}
+
+TEST(CleanupRules, BrowserSourcesAreFixedThenProfileMajorThenShared) {
+    catalogueHome();
+    const std::vector<Source> sources = CleanupRules::browserSources();
+    ASSERT_EQ(sources.size(), 102u);
+    for (const Source& source : sources)
+        EXPECT_TRUE(std::holds_alternative<Source::Items>(source.value)) << describe(source);
+    const std::vector<std::string> patterns = patternsOf(sources);
+    EXPECT_EQ(std::set<std::string>(patterns.begin(), patterns.end()).size(), 102u);
+    EXPECT_EQ(patterns.front(), "~/Library/Caches/com.apple.Safari");
+    EXPECT_EQ(patterns[12], "~/Library/Application Support/Firefox/Profiles/*/startupCache");
+    EXPECT_EQ(patterns[13], "~/Library/Application Support/Google/Chrome/*/Cache");
+    EXPECT_EQ(patterns[22], "~/Library/Application Support/Google/Chrome/*/ShaderCache");
+    EXPECT_EQ(patterns[23], "~/Library/Application Support/Google/Chrome Beta/*/Cache");
+    // Opera keeps one profile, so its base has no "/*".
+    EXPECT_EQ(patterns[83], "~/Library/Application Support/com.operasoftware.Opera/Cache");
+    EXPECT_EQ(patterns[92], "~/Library/Application Support/com.operasoftware.Opera/ShaderCache");
+    EXPECT_EQ(patterns[93], "~/Library/Application Support/Google/Chrome/ShaderCache");
+    EXPECT_EQ(patterns.back(),
+              "~/Library/Application Support/BraveSoftware/Brave-Browser/component_crx_cache");
+    EXPECT_EQ(ruleWithID("apps.browsers").sources, sources);
+}
+
+TEST(CleanupRules, ElectronAndSandboxSources) {
+    catalogueHome();
+    const std::vector<Source> electron = CleanupRules::electronSources();
+    ASSERT_EQ(electron.size(), 14u);
+    const std::vector<std::string> patterns = patternsOf(electron);
+    ASSERT_EQ(patterns.size(), 14u);
+    EXPECT_EQ(patterns.front(), "~/Library/Application Support/*/Cache");
+    EXPECT_EQ(patterns[9], "~/Library/Application Support/*/ShaderCache");
+    EXPECT_EQ(patterns[10], "~/Library/Application Support/*/CachedData");
+    EXPECT_EQ(patterns[12], "~/Library/Application Support/*/Crashpad/completed");
+    EXPECT_EQ(patterns.back(), "~/Library/Application Support/Spotify/PersistentCache");
+    EXPECT_EQ(ruleWithID("apps.electron").sources, electron);
+
+    const std::vector<Source> sandbox = CleanupRules::sandboxSources();
+    EXPECT_EQ(
+        describeAll(sandbox),
+        (std::vector<std::string>{
+            "children ~/Library/Containers/*/Data/Library/Caches modified",
+            "children ~/Library/Group Containers/*/Library/Caches modified",
+            "items ~/Library/Containers/*/Data/Library/Application Support/*/Cache",
+            "items ~/Library/Containers/*/Data/Library/Application Support/*/Code Cache",
+            "items ~/Library/Containers/*/Data/Library/Application Support/*/GPUCache",
+            "items ~/Library/Containers/*/Data/Library/Application Support/*/Service Worker/CacheStorage",
+            "items ~/Library/Containers/*/Data/Library/Application Support/*/CachedData"}));
+    EXPECT_EQ(ruleWithID("apps.sandbox").sources, sandbox);
+}
+
+// The order inside each list decides which rule claims a path first.
+TEST(CleanupRules, SourcesOfTheOtherRules) {
+    const FakeHome& home = catalogueHome();
+    using List = std::vector<std::string>;
+    EXPECT_EQ(describeAll(ruleWithID("apps.media").sources),
+              (List{"children ~/Library/Application Support/Adobe/Common/Media Cache Files modified",
+                    "children ~/Library/Application Support/Adobe/Common/Media Cache modified",
+                    "children ~/Library/Application Support/Adobe/Common/Peak Files modified",
+                    "children ~/Movies/CacheClip modified", "children ~/Movies/*/CacheClip modified"}));
+    EXPECT_EQ(describeAll(ruleWithID("dev.derived").sources),
+              (List{"children ~/Library/Developer/Xcode/DerivedData modified",
+                    "children ~/Library/Developer/Xcode/UserData/Previews modified",
+                    "children ~/Library/Developer/Xcode/Products modified"}));
+    EXPECT_EQ(describeAll(ruleWithID("dev.devicesupport").sources),
+              (List{"children ~/Library/Developer/Xcode/*DeviceSupport modified",
+                    "children ~/Library/Developer/CoreSimulator/Caches modified",
+                    "children ~/Library/Logs/CoreSimulator modified", "command cmd.simctl"}));
+    EXPECT_EQ(describeAll(ruleWithID("dev.archives").sources),
+              List{"children ~/Library/Developer/Xcode/Archives modified"});
+    EXPECT_EQ(describeAll(ruleWithID("dev.packages").sources),
+              (List{"items ~/.npm/_cacache",
+                    "items ~/.npm/_logs",
+                    "items ~/Library/Caches/Yarn",
+                    "items ~/.yarn/berry/cache",
+                    "items ~/Library/pnpm/store",
+                    "items ~/.pnpm-store",
+                    "items ~/.bun/install/cache",
+                    "items ~/Library/Caches/pip",
+                    "items ~/Library/Caches/pypoetry",
+                    "items ~/Library/Caches/Homebrew",
+                    "items ~/Library/Caches/CocoaPods",
+                    "items ~/Library/Caches/org.swift.swiftpm",
+                    "items ~/Library/Caches/go-build",
+                    "items ~/.gradle/caches",
+                    "items ~/Library/Caches/electron",
+                    "items ~/Library/Caches/electron-builder",
+                    "items ~/Library/Caches/node-gyp",
+                    "items ~/Library/Caches/ms-playwright",
+                    "items ~/Library/Caches/JetBrains",
+                    "command cmd.brew",
+                    "command cmd.docker"}));
+    EXPECT_EQ(
+        describeAll(ruleWithID("dev.stores").sources),
+        (List{"items ~/go/pkg/mod", "items ~/.nuget/packages", "items ~/.m2/repository",
+              "items ~/.cargo/registry", "items ~/.gradle/wrapper/dists", "children ~/.cache modified"}));
+    EXPECT_EQ(describeAll(ruleWithID("user.trash").sources),
+              (List{"children ~/.Trash modified",
+                    "children /Volumes/*/.Trashes/" + std::to_string(::getuid()) + " modified"}));
+    EXPECT_EQ(describeAll(ruleWithID("user.mail").sources),
+              List{"children ~/Library/Containers/com.apple.mail/Data/Library/Mail Downloads modified"});
+    EXPECT_EQ(describeAll(ruleWithID("user.ios").sources),
+              (List{"children ~/Library/Application Support/MobileSync/Backup modified",
+                    "items ~/Library/iTunes/*Software Updates/*.ipsw"}));
+    EXPECT_EQ(describeAll(ruleWithID("user.temp").sources),
+              List{"children " + home.tmp() + " older 3 modified"});
+    EXPECT_EQ(describeAll(ruleWithID("user.state").sources),
+              List{"children ~/Library/Saved Application State modified"});
+    // std::set keeps the exclusions sorted byte-wise.
+    EXPECT_EQ(
+        describeAll(ruleWithID("user.caches").sources),
+        List{"children ~/Library/Caches modified -CloudKit -FamilyCircle -app.veltro.Veltro "
+             "-app.veltro.cleaner -com.apple.HomeKit -com.apple.akd -com.apple.ap.adprivacyd -com.apple.bird "
+             "-com.apple.cloudkit -com.apple.containermanagerd -com.apple.findmy.fmipcore -com.apple.homed "
+             "-com.apple.nsurlsessiond"});
+    EXPECT_EQ(
+        describeAll(ruleWithID("user.logs").sources),
+        (List{"children ~/Library/Logs/DiagnosticReports modified", "children ~/Library/Logs modified"}));
+    EXPECT_EQ(describeAll(ruleWithID("user.downloads").sources), List{"children ~/Downloads older 90 added"});
+    EXPECT_EQ(describeAll(ruleWithID("system.caches").sources), List{"children /Library/Caches modified"});
+    EXPECT_EQ(
+        describeAll(ruleWithID("system.logs").sources),
+        (List{"children /Library/Logs/DiagnosticReports modified", "children /Library/Logs modified",
+              "items /private/var/log/*.gz", "items /private/var/log/*.bz2", "items /private/var/log/*.old",
+              "items /private/var/log/asl/*.asl", "items /private/var/log/DiagnosticMessages/*.asl"}));
+    EXPECT_EQ(describeAll(ruleWithID("system.updates").sources), List{"children /Library/Updates modified"});
+    EXPECT_EQ(describeAll(ruleWithID("system.snapshots").sources), List{"command cmd.tmutil"});
+    EXPECT_EQ(describeAll(ruleWithID("large.files").sources), List{"largeFiles"});
+}
+
+TEST(CleanupRules, CommandSourcesCarryTheirExactTexts) {
+    catalogueHome();
+    auto command = [](const std::string& ruleID, size_t index) {
+        return std::get<Source::Command>(ruleWithID(ruleID).sources.at(index).value);
+    };
+    EXPECT_EQ(command("dev.devicesupport", 3),
+              (Source::Command{"cmd.simctl", "Delete unavailable Simulators",
+                               "xcrun simctl delete unavailable", false, "xcrun",
+                               "xcrun simctl list devices unavailable 2>/dev/null | grep -c '(unavailable'",
+                               "{value} found"}));
+    EXPECT_EQ(command("dev.packages", 19),
+              (Source::Command{"cmd.brew", "brew cleanup (remove old Homebrew package versions)",
+                               "brew cleanup -s --prune=all", false, "brew", std::nullopt, std::nullopt}));
+    EXPECT_EQ(
+        command("dev.packages", 20),
+        (Source::Command{"cmd.docker", "Docker/OrbStack build cache (docker builder prune)",
+                         "docker builder prune -af", false, "docker",
+                         "docker system df --format '{{.Type}}|{{.Reclaimable}}' 2>/dev/null | grep 'Build "
+                         "Cache' | cut -d'|' -f2 | grep -v '^0B'",
+                         "About {value} reclaimable"}));
+    EXPECT_EQ(
+        command("system.snapshots", 0),
+        (Source::Command{"cmd.tmutil", "Delete all Time Machine local snapshots",
+                         "for d in $(tmutil listlocalsnapshotdates / | grep -E '^[0-9]'); do tmutil "
+                         "deletelocalsnapshots \"$d\"; done",
+                         true, "tmutil", "tmutil listlocalsnapshots / 2>/dev/null | grep -c 'com.apple'",
+                         "{value} snapshots found (actual size is unknown until deleted)"}));
+}
+
+TEST(CleanupRules, ProtectedPathsAreTheSystemFoldersAndTheHomesOwn) {
+    const std::string home = catalogueHome().home();
+    ASSERT_EQ(Environment::homeFolder(), home);
+    std::set<std::string> expected{"/",
+                                   "/System",
+                                   "/Library",
+                                   "/Applications",
+                                   "/Users",
+                                   "/private",
+                                   "/private/var",
+                                   "/private/var/folders",
+                                   "/private/var/log",
+                                   "/usr",
+                                   "/bin",
+                                   "/sbin",
+                                   "/Volumes",
+                                   "/Library/Caches",
+                                   "/Library/Logs",
+                                   "/Library/Updates",
+                                   home};
+    for (const char* name : {"Library", "Library/Caches", "Library/Logs", "Library/Application Support",
+                             "Library/Containers", "Library/Developer", "Desktop", "Documents", "Downloads",
+                             "Movies", "Music", "Pictures", "Public", ".Trash", "Applications", ".cache"})
+        expected.insert(home + "/" + name);
+    EXPECT_EQ(CleanupRules::protectedPaths(), expected);
+    EXPECT_EQ(CleanupRules::protectedPaths().size(), 33u);
+}
