@@ -1,0 +1,209 @@
+#include "removal/Shell.h"
+
+#include "platform/Environment.h"
+
+#include "support/FakeHome.h"
+#include "support/Unprivileged.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fstream>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+int openDescriptorCount() {
+    int count = 0;
+    if (DIR* dir = ::opendir("/proc/self/fd")) {
+        while (const dirent* entry = ::readdir(dir))
+            count += entry->d_name[0] != '.';
+        ::closedir(dir);
+    }
+    return count;
+}
+
+// True while `pid` is a live process (neither gone nor a zombie waiting for its
+// adoptive parent).
+bool isRunning(pid_t pid) {
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    std::string line;
+    if (!std::getline(stat, line))
+        return false;
+    const size_t close = line.rfind(')');
+    return close != std::string::npos && close + 2 < line.size() && line[close + 2] != 'Z';
+}
+
+pid_t parsePid(const std::string& text) {
+    return static_cast<pid_t>(std::strtol(text.c_str(), nullptr, 10));
+}
+
+} // namespace
+
+TEST(Shell, ReportsExitStatusAndEmptyOutput) {
+    EXPECT_EQ(Shell::run("true", 10), (Shell::Output{0, "", ""}));
+    EXPECT_EQ(Shell::run("exit 3", 10), (Shell::Output{3, "", ""}));
+    EXPECT_EQ(Shell::run("printf 'out\\n'; printf 'err' >&2; exit 7", 10),
+              (Shell::Output{7, "out\n", "err"}));
+    // Death by a signal is 128 + the signal's number.
+    EXPECT_EQ(Shell::run("kill -KILL $$", 10).status, 128 + SIGKILL);
+}
+
+TEST(Shell, DrainsBothStreamsCompletely) {
+    // Standard error is filled first: a runner that read its streams one after the
+    // other would leave the child blocked on a full pipe.
+    constexpr size_t size = 5'000'000;
+    const auto result = Shell::run("head -c 5000000 /dev/zero | tr '\\0' e >&2; "
+                                   "head -c 5000000 /dev/zero | tr '\\0' o",
+                                   60);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.standardOutput, std::string(size, 'o'));
+    EXPECT_EQ(result.standardError, std::string(size, 'e'));
+}
+
+TEST(Shell, StandardInputIsEmpty) {
+    const auto start = Clock::now();
+    EXPECT_EQ(Shell::run("cat", 30), (Shell::Output{0, "", ""}));
+    EXPECT_LT(secondsSince(start), 5);
+}
+
+TEST(Shell, TimeLimitEndsTheCommand) {
+    auto start = Clock::now();
+    const auto sleeper = Shell::run("sleep 100", 1);
+    double elapsed = secondsSince(start);
+    EXPECT_NE(sleeper.status, 0);
+    EXPECT_GE(elapsed, 0.9);
+    EXPECT_LT(elapsed, 10);
+
+    // A pipeline keeps the output pipe open through `cat`; the whole group ends.
+    start = Clock::now();
+    const auto pipeline = Shell::run("echo before; sleep 100 | cat", 1);
+    elapsed = secondsSince(start);
+    EXPECT_NE(pipeline.status, 0);
+    EXPECT_EQ(pipeline.standardOutput, "before\n");
+    EXPECT_GE(elapsed, 0.9);
+    EXPECT_LT(elapsed, 10);
+}
+
+TEST(Shell, BackgroundJobHoldingThePipesEndsAtTheLimit) {
+    const auto start = Clock::now();
+    const auto result = Shell::run("sleep 30 & echo $!", 1);
+    const double elapsed = secondsSince(start);
+    EXPECT_LT(elapsed, 10);
+    EXPECT_GE(elapsed, 0.9);
+    EXPECT_EQ(result.status, 0); // the shell itself finished in time
+    const pid_t background = parsePid(result.standardOutput);
+    ASSERT_GT(background, 0);
+    bool ended = false;
+    for (int i = 0; i < 100 && !ended; ++i) {
+        ended = !isRunning(background);
+        if (!ended)
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    EXPECT_TRUE(ended);
+}
+
+TEST(Shell, FinishedCommandIsNeverSignalled) {
+    // The background job stays in the command's process group with its output
+    // elsewhere, so the call returns at once; a limit firing later would end it.
+    const auto start = Clock::now();
+    const auto result = Shell::run("sleep 4 >/dev/null 2>&1 & echo $!", 1);
+    ASSERT_LT(secondsSince(start), 0.9);
+    EXPECT_EQ(result.status, 0);
+    const pid_t background = parsePid(result.standardOutput);
+    ASSERT_GT(background, 0);
+    ASSERT_TRUE(isRunning(background));
+    std::this_thread::sleep_until(start + std::chrono::milliseconds(1600));
+    EXPECT_TRUE(isRunning(background));
+    ::kill(background, SIGKILL);
+}
+
+TEST(Shell, InvalidUtf8BecomesReplacementCharacter) {
+    const auto result = Shell::run("printf 'a\\377b'; printf '\\303(' >&2; printf '\\342\\202\\254'", 10);
+    EXPECT_EQ(result.standardOutput, "a\xEF\xBF\xBD"
+                                     "b\xE2\x82\xAC");
+    EXPECT_EQ(result.standardError, "\xEF\xBF\xBD(");
+}
+
+TEST(Shell, ChildSearchesItsOwnPathAndInheritsTheRest) {
+    FakeHome home;
+    if (Environment::homeFolder() != home.home())
+        GTEST_SKIP() << "the home folder was read earlier in this process; run this test on its own";
+    const std::string tool = home.makeFile(".docker/bin/veltro-probe-tool", "#!/bin/sh\necho found it\n");
+    ASSERT_EQ(::chmod(tool.c_str(), 0755), 0);
+    ::setenv("VELTRO_TEST_MARKER", "kept 'as' is", 1);
+    ::setenv("PATH", "/nonexistent", 1);
+
+    const auto found = Shell::run("veltro-probe-tool", 10);
+    EXPECT_EQ(found, (Shell::Output{0, "found it\n", ""}));
+    const auto variables = Shell::run("printf '%s|%s' \"$PATH\" \"$VELTRO_TEST_MARKER\"", 10);
+    EXPECT_EQ(variables.standardOutput, Shell::path() + "|kept 'as' is");
+    EXPECT_EQ(Shell::path(), "/opt/homebrew/bin:/usr/local/bin:" + home.home() + "/.orbstack/bin:" +
+                                 home.home() + "/.docker/bin:/usr/bin:/bin:/usr/sbin:/sbin");
+
+    ::unsetenv("PATH");
+    EXPECT_EQ(Shell::run("printf %s \"$PATH\"", 10).standardOutput, Shell::path());
+}
+
+TEST(Shell, StartFailureIsReportedNotThrown) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "needs root to drop to a user whose process limit can be set to zero";
+    // With no process allowed for the user, the spawn itself fails.
+    const int code = runUnprivileged([] {
+        const int before = openDescriptorCount();
+        const rlimit none{0, 0};
+        if (::setrlimit(RLIMIT_NPROC, &none) != 0)
+            return 10;
+        const auto result = Shell::run("echo never", 10);
+        if (result.status != -1 || !result.standardOutput.empty())
+            return 11;
+        if (result.standardError != std::strerror(EAGAIN))
+            return 12;
+        return openDescriptorCount() == before ? 0 : 13;
+    });
+    EXPECT_EQ(code, 0);
+}
+
+TEST(Shell, RunsInParallelWithoutLeaks) {
+    const int before = openDescriptorCount();
+    constexpr int threadCount = 8;
+    constexpr int runsPerThread = 12;
+    std::vector<int> mismatches(threadCount, 0);
+    {
+        std::vector<std::jthread> threads;
+        for (int t = 0; t < threadCount; ++t) {
+            threads.emplace_back([t, &mismatches] {
+                for (int i = 0; i < runsPerThread; ++i) {
+                    const std::string id = std::to_string(t) + "-" + std::to_string(i);
+                    // Some runs end by their limit while others finish normally.
+                    const bool limited = i % 4 == 0;
+                    const auto result =
+                        Shell::run("echo " + id + "; echo e" + id + " >&2" + (limited ? "; sleep 10" : ""),
+                                   limited ? 1 : 30);
+                    const bool expected = result.standardOutput == id + "\n" &&
+                                          result.standardError == "e" + id + "\n" &&
+                                          (limited ? result.status != 0 : result.status == 0);
+                    mismatches[static_cast<size_t>(t)] += expected ? 0 : 1;
+                }
+            });
+        }
+    }
+    for (int t = 0; t < threadCount; ++t)
+        EXPECT_EQ(mismatches[static_cast<size_t>(t)], 0) << "thread " << t;
+    EXPECT_EQ(openDescriptorCount(), before);
+}
