@@ -1,0 +1,66 @@
+#include "systemdata/SystemDataAnalyzer.h"
+
+#include "SystemDataTesting.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace {
+
+SystemDataEntry::Action userAction(std::string shell) {
+    return {
+        .title = "Try", .shell = std::move(shell), .admin = false, .risk = Risk::caution, .confirm = "Sure?"};
+}
+
+bool exists(const std::string& path) {
+    struct stat info {};
+    return ::lstat(path.c_str(), &info) == 0;
+}
+
+} // namespace
+
+TEST(SystemDataPerform, UserActionMessages) {
+    sharedHome();
+    TempTree tree;
+    const std::string made = tree.path("made");
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("touch " + shellQuote(made))), std::nullopt);
+    EXPECT_TRUE(exists(made));
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("exit 2")), "Failed (exit 2)");
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf ' \\n\\t \\n' >&2; exit 4")), "Failed (exit 4)");
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf '\\n  no such runtime \\n' >&2; exit 1")),
+              "no such runtime");
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf '%1000s' '' | tr ' ' x >&2; exit 1")),
+              std::string(300, 'x'));
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("echo 'error -128' >&2; exit 1")),
+              "Authentication was cancelled");
+}
+
+TEST(SystemDataPerform, AdminActionGoesThroughAuthorization) {
+    sharedHome();
+    const SystemDataEntry::Action action{"Delete sleepimage", "echo gone; echo 'not here' >&2; exit 5", true,
+                                         Risk::caution, "Sure?"};
+    std::string script, prompt;
+    double timeout = 0;
+    {
+        ScopedAuthorizationTool tool([&](const std::string& path, const std::string& p, double t) {
+            script = readWholeFile(path);
+            prompt = p;
+            timeout = t;
+            return Shell::Output{1, "", "execution error: User canceled. (-128)"};
+        });
+        EXPECT_EQ(SystemDataAnalyzer::perform(action), "Authentication was cancelled");
+    }
+    EXPECT_EQ(script, "#!/bin/sh\necho gone; echo 'not here' >&2; exit 5\n");
+    EXPECT_EQ(prompt, "Veltro needs administrator privileges to: Delete sleepimage");
+    EXPECT_EQ(timeout, 1800);
+
+    // Really run: the script's own failure comes back as its error text.
+    ScopedAuthorizationTool tool(realScriptRunner());
+    EXPECT_EQ(SystemDataAnalyzer::perform(action), "not here");
+    TempTree tree;
+    const std::string made = tree.path("made by admin");
+    EXPECT_EQ(
+        SystemDataAnalyzer::perform({"Make", "touch " + shellQuote(made), true, Risk::caution, "Sure?"}),
+        std::nullopt);
+    EXPECT_TRUE(exists(made));
+}
