@@ -20,6 +20,10 @@ using AuthorizationTool =
 // dismissal (exit 126) reported as "-128".
 Shell::Output runWithPlatformTool(const std::string& scriptPath, const std::string& prompt, double timeout);
 
+// The unprivileged half of the platform's tool with pkexec's location given:
+// status 127 and a message when it is missing; its exit 126 gains a "-128: " prefix.
+Shell::Output runThroughPkexec(const std::string& pkexec, const std::string& scriptPath, double timeout);
+
 // Replaces the tool for the whole process (tests); an empty function restores the
 // platform's.
 void setAuthorizationTool(AuthorizationTool tool);
@@ -31,7 +35,8 @@ void setAuthorizationTool(AuthorizationTool tool);
 Shell::Output run(const std::string& script, const std::string& prompt, double timeout);
 
 // The macOS form of the request, kept as pure functions: the AppleScript text for
-// script path P and prompt T, and the quoted osascript command line.
+// script path P and prompt T (its double quotes turned into single quotes), and the
+// quoted osascript command line.
 std::string appleScript(const std::string& scriptPath, const std::string& prompt);
 std::string osascriptCommand(const std::string& scriptPath, const std::string& prompt);
 
