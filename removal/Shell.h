@@ -21,8 +21,9 @@ std::string path();
 // Runs `/bin/sh -c command` with PATH = path(), stdin from /dev/null, both output
 // streams drained concurrently. The child leads its own process group; when
 // `timeout` seconds pass, SIGTERM goes to that group, so neither a pipeline nor a
-// background grandchild can hold the call past the limit. Must not be called on
-// the interface thread.
+// background grandchild can hold the call past the limit. A child ended by a
+// signal reports 128 + the signal's number. Must not be called on the interface
+// thread.
 Output run(const std::string& command, double timeout);
 
 // Replaces invalid UTF-8 sequences by U+FFFD.
