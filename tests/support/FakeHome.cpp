@@ -3,10 +3,31 @@
 #include <cstdlib>
 
 FakeHome::FakeHome() {
+    if (const char* home = std::getenv("HOME")) {
+        hadHome_ = true;
+        previousHome_ = home;
+    }
+    if (const char* tmp = std::getenv("TMPDIR")) {
+        hadTmp_ = true;
+        previousTmp_ = tmp;
+    }
     home_ = tree_.makeDir("home");
     tmp_ = tree_.makeDir("tmp");
     ::setenv("HOME", home_.c_str(), 1);
     ::setenv("TMPDIR", tmp_.c_str(), 1);
+}
+
+FakeHome::~FakeHome() {
+    // The process keeps the first home it saw; restoring only keeps later trees of
+    // this process out of a folder that is about to disappear.
+    if (hadHome_)
+        ::setenv("HOME", previousHome_.c_str(), 1);
+    else
+        ::unsetenv("HOME");
+    if (hadTmp_)
+        ::setenv("TMPDIR", previousTmp_.c_str(), 1);
+    else
+        ::unsetenv("TMPDIR");
 }
 
 std::string FakeHome::makeDir(const std::string& relative) const { return tree_.makeDir("home/" + relative); }

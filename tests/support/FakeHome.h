@@ -10,6 +10,9 @@
 class FakeHome {
 public:
     FakeHome();
+    ~FakeHome();
+    FakeHome(const FakeHome&) = delete;
+    FakeHome& operator=(const FakeHome&) = delete;
 
     const std::string& home() const { return home_; }
     const std::string& tmp() const { return tmp_; }
@@ -25,4 +28,8 @@ private:
     TempTree tree_;
     std::string home_;
     std::string tmp_;
+    std::string previousHome_;
+    std::string previousTmp_;
+    bool hadHome_ = false;
+    bool hadTmp_ = false;
 };

@@ -26,10 +26,13 @@ void makeParents(const std::string& path) {
 }
 
 std::string baseTemporaryFolder() {
-    const char* tmp = std::getenv("TMPDIR");
-    // The suite's own trees live in the real temporary folder, even when a test
-    // points TMPDIR into a fake home afterwards.
-    return tmp && tmp[0] == '/' ? tmp : "/tmp";
+    // The suite's own trees live in the temporary folder the process started with,
+    // even after a test points TMPDIR into a fake home.
+    static const std::string base = [] {
+        const char* tmp = std::getenv("TMPDIR");
+        return std::string(tmp && tmp[0] == '/' ? tmp : "/tmp");
+    }();
+    return base;
 }
 
 } // namespace

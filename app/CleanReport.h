@@ -1,0 +1,21 @@
+#pragma once
+// What `veltro clean` prints: the confirmation summary and the outcome.
+
+#include "model/AppModel.h"
+#include "model/CleanPlan.h"
+
+#include <QJsonObject>
+#include <QString>
+
+namespace CleanReport {
+
+// The figures the confirmation shows: title, removal rows and warnings.
+QString summary(const AppModel& model);
+
+// Count, bytes moved and deleted, space gained, each failure with reason and path.
+QString result(const AppModel& model);
+
+QJsonObject summaryJson(const AppModel& model);
+QJsonObject resultJson(const AppModel& model);
+
+} // namespace CleanReport

@@ -1,0 +1,45 @@
+#include "app/ScanCommand.h"
+
+#include "app/HeadlessRun.h"
+#include "app/ScanReport.h"
+#include "app/ScanSettings.h"
+
+#include <QCommandLineParser>
+#include <QJsonDocument>
+#include <QTextStream>
+
+#include <cstdio>
+
+int runScanCommand(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Scans for reclaimable space and prints what was found."));
+    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print one JSON object instead of a report."));
+    parser.addOption(json);
+    parser.addOption(ScanSettings::thresholdOption());
+    parser.addOption(ScanSettings::addRootOption());
+    parser.addHelpOption();
+    parser.addPositionalArgument(QStringLiteral("scan"), QStringLiteral("The command."));
+    if (!parser.parse(arguments))
+        return usageError(parser.errorText());
+    if (parser.isSet(QStringLiteral("help"))) {
+        QTextStream(stdout) << parser.helpText();
+        return 0;
+    }
+    if (parser.positionalArguments().size() > 1)
+        return usageError(QStringLiteral("scan: unexpected argument '%1'").arg(parser.positionalArguments().at(1)));
+    ScanSettings settings;
+    if (const auto error = ScanSettings::read(parser, settings))
+        return usageError(*error);
+
+    AppModel model;
+    settings.applyTo(model);
+    HeadlessRun::scan(model, HeadlessRun::isTerminal(fileno(stderr)));
+
+    QTextStream out(stdout);
+    if (parser.isSet(json))
+        out << QJsonDocument(ScanReport::json(model)).toJson(QJsonDocument::Compact) << '\n';
+    else
+        out << ScanReport::text(model);
+    out.flush();
+    return 0;
+}

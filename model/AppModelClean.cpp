@@ -1,0 +1,158 @@
+// The clean flow: confirmation, cleaning, applying the result, emptying what the
+// clean moved to the Trash; plus the large-file search folders and copying a path.
+
+#include "model/AppModel.h"
+
+#include "model/AppModelChanges.h"
+#include "model/ItemKey.h"
+#include "platform/ByteCount.h"
+#include "platform/Localized.h"
+#include "removal/Cleaner.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QPointer>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QUrl>
+
+#include <algorithm>
+
+void AppModel::requestClean(const QString& categoryID) {
+    {
+        Changes changes(*this);
+        change(changes, cleanScope_, categoryID, &AppModel::cleanScopeChanged);
+    }
+    if (itemsToClean().empty())
+        return;
+    if (phase_ == Phase::scanning || phase_ == Phase::cleaning)
+        return;
+    setShowConfirm(true);
+}
+
+void AppModel::clean() {
+    ScanItems chosen = itemsToClean();
+    if (chosen.empty() || phase_ == Phase::scanning || phase_ == Phase::cleaning)
+        return;
+    {
+        Changes changes(*this);
+        change(changes, phase_, Phase::cleaning, &AppModel::phaseChanged);
+        change(changes, cleanProgress_, 0.0, &AppModel::cleanProgressChanged);
+    }
+    startWorker([chosen = std::move(chosen)](std::stop_token, const MainThreadCall& toMain) {
+        CleanResult result = Cleaner::clean(chosen, [&toMain](double fraction, const std::string& text) {
+            toMain([fraction, text](AppModel& model) {
+                Changes changes(model);
+                model.change(changes, model.cleanProgress_, fraction, &AppModel::cleanProgressChanged);
+                model.change(changes, model.statusText_, QString::fromStdString(text), &AppModel::statusTextChanged);
+            });
+        });
+        toMain([result = std::move(result)](AppModel& model) mutable { model.applyCleanResult(std::move(result)); });
+    });
+}
+
+void AppModel::applyCleanResult(CleanResult result) {
+    Changes changes(*this);
+    ItemIDs removed;
+    for (const ScanItem& item : result.succeeded)
+        removed.insert(item.id);
+    ScanItems remaining = ScanResults::without(items_, removed);
+    change(changes, itemsByCategory_, ScanResults::groupedByCategory(remaining), &AppModel::itemsByCategoryChanged);
+    change(changes, items_, std::move(remaining), &AppModel::itemsChanged);
+    ItemIDs selection = selection_;
+    for (const std::string& id : removed)
+        selection.erase(id);
+    change(changes, selection_, std::move(selection), &AppModel::selectionChanged);
+    change(changes, lastResult_, OptionalCleanResult(std::move(result)), &AppModel::lastResultChanged);
+    change(changes, purgeMessage_, QString(), &AppModel::purgeMessageChanged);
+    change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
+    change(changes, phase_, Phase::ready, &AppModel::phaseChanged);
+    change(changes, statusText_, QString(), &AppModel::statusTextChanged);
+    change(changes, showResult_, true, &AppModel::showResultChanged);
+}
+
+void AppModel::purgeLastTrashed() {
+    if (!lastResult_ || lastResult_->trashedURLs.empty() || purging_)
+        return;
+    purging_ = true;
+    startWorker([paths = lastResult_->trashedURLs](std::stop_token, const MainThreadCall& toMain) {
+        const Cleaner::PurgeResult purged = Cleaner::purge(paths);
+        toMain([purged](AppModel& model) { model.applyPurge(purged.freed, purged.failed); });
+    });
+}
+
+void AppModel::applyPurge(int64_t freed, int failed) {
+    purging_ = false;
+    Changes changes(*this);
+    if (lastResult_) {
+        OptionalCleanResult result = lastResult_;
+        result->trashedURLs.clear();
+        change(changes, lastResult_, std::move(result), &AppModel::lastResultChanged);
+    }
+    const std::string size = formatByteCount(freed);
+    const std::string message =
+        failed == 0 ? localizedFormat("Deleted permanently — freed %1", {size})
+                    : localizedFormat("Deleted permanently (%1 failed) — freed %2", {std::to_string(failed), size});
+    change(changes, purgeMessage_, QString::fromStdString(message), &AppModel::purgeMessageChanged);
+    change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
+}
+
+void AppModel::setFolderChooser(FolderChooser chooser) { folderChooser_ = std::move(chooser); }
+
+void AppModel::addRoot() {
+    if (!folderChooser_)
+        return;
+    QPointer<AppModel> self(this);
+    folderChooser_([self](std::vector<std::string> folders) {
+        if (self)
+            self->addRoots(folders);
+    });
+}
+
+void AppModel::addRoots(const std::vector<std::string>& folders) {
+    Changes changes(*this);
+    RootList roots = extraRoots_;
+    for (const std::string& folder : folders)
+        if (std::find(roots.begin(), roots.end(), folder) == roots.end())
+            roots.push_back(folder);
+    change(changes, extraRoots_, std::move(roots), &AppModel::extraRootsChanged);
+}
+
+void AppModel::removeRoot(const std::string& folder) {
+    Changes changes(*this);
+    RootList roots = extraRoots_;
+    std::erase(roots, folder);
+    change(changes, extraRoots_, std::move(roots), &AppModel::extraRootsChanged);
+}
+
+void AppModel::removeRootPath(const QString& path) {
+    // The views show roots decoded; match them back to the raw path they came from.
+    for (const std::string& root : extraRoots_)
+        if (QFile::decodeName(QByteArray::fromStdString(root)) == path) {
+            removeRoot(root);
+            return;
+        }
+}
+
+void AppModel::copyPath(const ScanItem& item) {
+    auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+    if (!application)
+        return;
+    const std::string text = item.url ? *item.url : item.location();
+    auto* data = new QMimeData;
+    // The exact bytes, even when the path is not valid UTF-8.
+    data->setData(QStringLiteral("text/plain"), QByteArray::fromStdString(text));
+    data->setData(QStringLiteral("text/plain;charset=utf-8"), QByteArray::fromStdString(text));
+    if (item.url) {
+        const QByteArray encoded = QByteArray::fromStdString(*item.url).toPercentEncoding("/");
+        data->setData(QStringLiteral("text/uri-list"), "file://" + encoded + "\r\n");
+    }
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->clear();
+    clipboard->setMimeData(data);
+}
+
+void AppModel::copyItemPath(const QString& key) {
+    if (const ScanItem* item = findItem(ItemKey::toID(key)))
+        copyPath(*item);
+}

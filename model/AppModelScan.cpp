@@ -1,0 +1,138 @@
+// Scan orchestration: starting, applying events, finishing and stopping a scan.
+
+#include "model/AppModel.h"
+
+#include "model/AppModelChanges.h"
+#include "platform/Localized.h"
+#include "scanning/JunkScanner.h"
+
+#include <QFile>
+
+#include <cmath>
+#include <limits>
+
+int64_t AppModel::largeFileThreshold() const {
+    // Gigabytes are binary here (2^30). Out-of-range settings clamp rather than wrap.
+    const double bytes = largeThresholdGB_ * 1073741824.0;
+    if (std::isnan(bytes))
+        return 0;
+    if (bytes >= 9.2e18)
+        return std::numeric_limits<int64_t>::max();
+    if (bytes <= -9.2e18)
+        return std::numeric_limits<int64_t>::min();
+    return static_cast<int64_t>(bytes);
+}
+
+void AppModel::scan() {
+    if (phase_ == Phase::scanning || phase_ == Phase::cleaning)
+        return;
+    refreshEnvironment();
+
+    Changes changes(*this);
+    change(changes, phase_, Phase::scanning, &AppModel::phaseChanged);
+    change(changes, statusText_, QString::fromStdString(localized("Starting scan…")), &AppModel::statusTextChanged);
+    const ItemIDs keeping = selection_;
+    change(changes, items_, ScanItems{}, &AppModel::itemsChanged);
+    change(changes, itemsByCategory_, ItemsByCategory{}, &AppModel::itemsByCategoryChanged);
+    change(changes, categoryState_, CategoryStates{}, &AppModel::categoryStateChanged);
+    change(changes, scanningCategory_, QString(), &AppModel::scanningCategoryChanged);
+    change(changes, scanProgress_, 0.0, &AppModel::scanProgressChanged);
+    change(changes, scanStep_, 0, &AppModel::scanStepChanged);
+    change(changes, scanStepCount_, static_cast<int>(categories().size()), &AppModel::scanStepCountChanged);
+
+    ScanOptions options;
+    options.largeFileThreshold = largeFileThreshold();
+    options.extraRoots = extraRoots_;
+    options.hasFullDiskAccess = hasFullDiskAccess_;
+
+    const uint64_t scanID = nextOperation_;
+    scanTask_ = startWorker([options, keeping, scanID](std::stop_token stop, const MainThreadCall& toMain) {
+        ScanEventSink events = [&toMain, scanID](const ScanEvent& event) {
+            toMain([scanID, event](AppModel& model) { model.handle(scanID, event); });
+        };
+        ScanItems found = JunkScanner::scan(options, events, stop);
+        if (stop.stop_requested())
+            return;
+        toMain([scanID, found = std::move(found), keeping](AppModel& model) mutable {
+            model.finishScan(scanID, std::move(found), keeping);
+        });
+    });
+    activeScan_ = scanID;
+}
+
+void AppModel::handle(uint64_t scanID, const ScanEvent& event) {
+    if (scanID != activeScan_ || phase_ != Phase::scanning)
+        return;
+    Changes changes(*this);
+    if (const auto* status = std::get_if<ScanEvent::Status>(&event.value)) {
+        change(changes, statusText_, QString::fromStdString(status->text), &AppModel::statusTextChanged);
+    } else if (const auto* started = std::get_if<ScanEvent::CategoryStarted>(&event.value)) {
+        change(changes, scanningCategory_, QString::fromStdString(started->id), &AppModel::scanningCategoryChanged);
+        change(changes, scanStep_, started->step, &AppModel::scanStepChanged);
+        change(changes, scanStepCount_, started->of, &AppModel::scanStepCountChanged);
+        CategoryStates states = categoryState_;
+        states[started->id] = CategoryScanState::scanning;
+        change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
+    } else if (const auto* finished = std::get_if<ScanEvent::CategoryFinished>(&event.value)) {
+        ScanItems all = items_;
+        all.insert(all.end(), finished->items.begin(), finished->items.end());
+        change(changes, items_, std::move(all), &AppModel::itemsChanged);
+        ItemsByCategory grouped = itemsByCategory_;
+        if (finished->items.empty())
+            grouped.erase(finished->id);
+        else
+            grouped[finished->id] = ScanResults::sortedForDisplay(finished->items);
+        change(changes, itemsByCategory_, std::move(grouped), &AppModel::itemsByCategoryChanged);
+        CategoryStates states = categoryState_;
+        states[finished->id] = CategoryScanState::done;
+        change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
+    } else if (const auto* progress = std::get_if<ScanEvent::Progress>(&event.value)) {
+        change(changes, scanProgress_, std::max(scanProgress_, progress->value), &AppModel::scanProgressChanged);
+    }
+}
+
+void AppModel::finishScan(uint64_t scanID, ScanItems found, const ItemIDs& keeping) {
+    if (scanID != activeScan_ || phase_ != Phase::scanning)
+        return;
+    activeScan_ = 0;
+    scanTask_ = 0;
+    Changes changes(*this);
+    ItemIDs kept;
+    for (const ScanItem& item : found)
+        if (keeping.contains(item.id))
+            kept.insert(item.id);
+    change(changes, itemsByCategory_, ScanResults::groupedByCategory(found), &AppModel::itemsByCategoryChanged);
+    change(changes, items_, std::move(found), &AppModel::itemsChanged);
+    CategoryStates states = categoryState_;
+    for (const CleanCategory& category : categories())
+        states[category.id] = CategoryScanState::done;
+    change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
+    change(changes, selection_, std::move(kept), &AppModel::selectionChanged);
+    change(changes, scanningCategory_, QString(), &AppModel::scanningCategoryChanged);
+    change(changes, scanProgress_, 1.0, &AppModel::scanProgressChanged);
+    change(changes, lastScanDate_, std::optional<Date>(Dates::now()), &AppModel::lastScanDateChanged);
+    change(changes, phase_, Phase::ready, &AppModel::phaseChanged);
+    change(changes, statusText_, QString(), &AppModel::statusTextChanged);
+}
+
+void AppModel::cancelScan() {
+    if (scanTask_)
+        stopWorker(scanTask_);
+    scanTask_ = 0;
+    activeScan_ = 0;
+    Changes changes(*this);
+    change(changes, scanningCategory_, QString(), &AppModel::scanningCategoryChanged);
+    CategoryStates states = categoryState_;
+    for (auto& [id, state] : states)
+        if (state == CategoryScanState::scanning)
+            state = CategoryScanState::pending;
+    change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
+    // Only a running scan changes phase and date: a stop outside one must not, say,
+    // end a clean's phase.
+    if (phase_ == Phase::scanning) {
+        change(changes, phase_, items_.empty() ? Phase::idle : Phase::ready, &AppModel::phaseChanged);
+        if (!items_.empty())
+            change(changes, lastScanDate_, std::optional<Date>(Dates::now()), &AppModel::lastScanDateChanged);
+    }
+    change(changes, statusText_, QString(), &AppModel::statusTextChanged);
+}

@@ -1,0 +1,178 @@
+// Selection and the totals derived from it.
+
+#include "model/AppModel.h"
+
+#include "catalogue/CleanupRules.h"
+#include "model/AppModelChanges.h"
+#include "model/ItemKey.h"
+
+namespace {
+
+const ScanItems& itemsOf(const ItemsByCategory& grouped, const QString& categoryID) {
+    static const ScanItems none;
+    const auto found = grouped.find(categoryID.toStdString());
+    return found == grouped.end() ? none : found->second;
+}
+
+std::optional<CategoryGroup> groupNamed(const QString& group) {
+    return CategoryGroups::fromRawValue(group.toStdString());
+}
+
+} // namespace
+
+std::vector<CleanCategory> AppModel::categoriesOf(CategoryGroup group) const {
+    std::vector<CleanCategory> out;
+    for (const CleanCategory& category : categories())
+        if (category.group == group)
+            out.push_back(category);
+    return out;
+}
+
+std::optional<CleanCategory> AppModel::category(const QString& id) const {
+    const std::string wanted = id.toStdString();
+    for (const CleanCategory& category : categories())
+        if (category.id == wanted)
+            return category;
+    return std::nullopt;
+}
+
+qint64 AppModel::totalSize(const QString& categoryID) const {
+    return ScanResults::totalSize(itemsOf(itemsByCategory_, categoryID));
+}
+
+qint64 AppModel::selectedSize(const QString& categoryID) const {
+    qint64 sum = 0;
+    for (const ScanItem& item : itemsOf(itemsByCategory_, categoryID))
+        if (selection_.contains(item.id))
+            sum += item.size.value_or(0);
+    return sum;
+}
+
+int AppModel::selectedCount(const QString& categoryID) const {
+    int count = 0;
+    for (const ScanItem& item : itemsOf(itemsByCategory_, categoryID))
+        if (selection_.contains(item.id))
+            ++count;
+    return count;
+}
+
+int AppModel::itemCountOf(const QString& categoryID) const {
+    return static_cast<int>(itemsOf(itemsByCategory_, categoryID).size());
+}
+
+qint64 AppModel::totalSize(CategoryGroup group) const {
+    qint64 sum = 0;
+    for (const CleanCategory& category : categoriesOf(group))
+        sum += totalSize(QString::fromStdString(category.id));
+    return sum;
+}
+
+AppModel::CategoryScanState AppModel::stateOf(const QString& categoryID) const {
+    const auto found = categoryState_.find(categoryID.toStdString());
+    return found == categoryState_.end() ? CategoryScanState::pending : found->second;
+}
+
+AppModel::CategoryScanState AppModel::state(CategoryGroup group) const {
+    bool allDone = true, anyScanning = false, anyDone = false;
+    for (const CleanCategory& category : categoriesOf(group)) {
+        const CategoryScanState state = stateOf(QString::fromStdString(category.id));
+        allDone = allDone && state == CategoryScanState::done;
+        anyScanning = anyScanning || state == CategoryScanState::scanning;
+        anyDone = anyDone || state == CategoryScanState::done;
+    }
+    if (allDone)
+        return CategoryScanState::done; // also for a group without categories
+    if (anyScanning || anyDone)
+        return CategoryScanState::scanning;
+    return CategoryScanState::pending;
+}
+
+ScanItems AppModel::selectedItems() const {
+    ScanItems out;
+    for (const ScanItem& item : items_)
+        if (selection_.contains(item.id))
+            out.push_back(item);
+    return out;
+}
+
+ScanItems AppModel::itemsToClean() const {
+    if (cleanScope_.isEmpty())
+        return selectedItems();
+    ScanItems out;
+    for (const ScanItem& item : itemsOf(itemsByCategory_, cleanScope_))
+        if (selection_.contains(item.id))
+            out.push_back(item);
+    return out;
+}
+
+qint64 AppModel::itemsToCleanTotal() const { return ScanResults::totalSize(itemsToClean()); }
+
+const ScanItem* AppModel::findItem(const std::string& id) const {
+    for (const ScanItem& item : items_)
+        if (item.id == id)
+            return &item;
+    return nullptr;
+}
+
+void AppModel::setSelected(const std::string& id, bool on) {
+    if (selection_.contains(id) == on)
+        return;
+    Changes changes(*this);
+    ItemIDs next = selection_;
+    if (on)
+        next.insert(id);
+    else
+        next.erase(id);
+    change(changes, selection_, std::move(next), &AppModel::selectionChanged);
+}
+
+void AppModel::setAll(const QString& categoryID, bool on) {
+    const ScanItems& list = itemsOf(itemsByCategory_, categoryID);
+    if (list.empty())
+        return;
+    Changes changes(*this);
+    ItemIDs next = selection_;
+    for (const ScanItem& item : list) {
+        if (on)
+            next.insert(item.id);
+        else
+            next.erase(item.id);
+    }
+    change(changes, selection_, std::move(next), &AppModel::selectionChanged);
+}
+
+void AppModel::selectRecommended() {
+    Changes changes(*this);
+    ItemIDs next = selection_;
+    next.merge(ScanResults::recommendedIDs(items_, categories()));
+    change(changes, selection_, std::move(next), &AppModel::selectionChanged);
+}
+
+void AppModel::clearSelection() {
+    Changes changes(*this);
+    change(changes, selection_, ItemIDs{}, &AppModel::selectionChanged);
+}
+
+void AppModel::setItemSelected(const QString& key, bool on) { setSelected(ItemKey::toID(key), on); }
+
+bool AppModel::isItemSelected(const QString& key) const { return isSelected(ItemKey::toID(key)); }
+
+QStringList AppModel::categoryIDsOf(const QString& group) const {
+    QStringList ids;
+    if (const auto named = groupNamed(group))
+        for (const CleanCategory& category : categoriesOf(*named))
+            ids.append(QString::fromStdString(category.id));
+    return ids;
+}
+
+qint64 AppModel::groupTotalSize(const QString& group) const {
+    const auto named = groupNamed(group);
+    return named ? totalSize(*named) : 0;
+}
+
+int AppModel::groupState(const QString& group) const {
+    const auto named = groupNamed(group);
+    return static_cast<int>(named ? state(*named) : CategoryScanState::done);
+}
+
+int AppModel::categoryScanState(const QString& categoryID) const { return static_cast<int>(stateOf(categoryID)); }
