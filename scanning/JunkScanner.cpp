@@ -1,0 +1,261 @@
+// The scan itself: the collection phase (rules in table order, the claim rule, the
+// command probes) and the measurement phase (categories in display order).
+
+#include "scanning/JunkScanner.h"
+
+#include "catalogue/CleanupRules.h"
+#include "platform/ByteCount.h"
+#include "platform/Localized.h"
+#include "platform/Paths.h"
+#include "platform/ShellQuote.h"
+#include "removal/Shell.h"
+#include "scanning/Measurement.h"
+#include "scanning/PathGlob.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unordered_map>
+
+namespace JunkScanner {
+
+namespace {
+
+// Deeper than this below the path first given, a folder with claimed contents is
+// not split any further.
+constexpr int maxSplitDepth = 4;
+
+void report(const ScanEventSink& events, ScanEvent::Status status) {
+    if (events)
+        events(ScanEvent{std::move(status)});
+}
+void report(const ScanEventSink& events, ScanEvent::CategoryStarted started) {
+    if (events)
+        events(ScanEvent{std::move(started)});
+}
+void report(const ScanEventSink& events, ScanEvent::CategoryFinished finished) {
+    if (events)
+        events(ScanEvent{std::move(finished)});
+}
+void report(const ScanEventSink& events, double progress) {
+    if (events)
+        events(ScanEvent{ScanEvent::Progress{progress}});
+}
+
+bool isDirectoryNoFollow(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+// Entry names in listing order, hidden ones included, without "." and "..".
+// False when the folder cannot be listed.
+bool listFolder(const std::string& path, std::vector<std::string>& names) {
+    DIR* dir = ::opendir(path.c_str());
+    if (!dir)
+        return false;
+    while (const dirent* entry = ::readdir(dir)) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            names.emplace_back(name);
+    }
+    ::closedir(dir);
+    return true;
+}
+
+std::string trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const size_t first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos)
+        return {};
+    const size_t last = text.find_last_not_of(blanks);
+    return std::string(text.substr(first, last - first + 1));
+}
+
+std::string replacingAll(std::string text, std::string_view placeholder, std::string_view value) {
+    for (size_t at = text.find(placeholder); at != std::string::npos;
+         at = text.find(placeholder, at + value.size()))
+        text.replace(at, placeholder.size(), value);
+    return text;
+}
+
+// The collection phase's working state: the claims and, per category id, the
+// candidates and the command items in the order they were found.
+class Collection {
+public:
+    explicit Collection(const ScanOptions& options) : options_(options) {}
+
+    // Walks every rule in table order. False when a stop was requested.
+    bool run(const std::stop_token& stop) {
+        for (const Rule& rule : CleanupRules::rules()) {
+            if (stop.stop_requested())
+                return false;
+            if (rule.needsFullDiskAccess && !options_.hasFullDiskAccess)
+                continue;
+            for (const Source& source : rule.sources) {
+                if (const auto* children = std::get_if<Source::Children>(&source.value))
+                    collectChildren(rule, *children);
+                else if (const auto* items = std::get_if<Source::Items>(&source.value))
+                    collectItems(rule, *items);
+                else if (const auto* command = std::get_if<Source::Command>(&source.value))
+                    collectCommand(rule, *command);
+                // The large-file search runs in the measurement phase.
+            }
+        }
+        return true;
+    }
+
+    Claims claims;
+    std::unordered_map<std::string, std::vector<Candidate>> candidates;
+    std::unordered_map<std::string, std::vector<ScanItem>> commandItems;
+
+private:
+    void collectChildren(const Rule& rule, const Source::Children& source) {
+        std::optional<Date> cutoff;
+        if (source.olderThanDays)
+            cutoff =
+                Dates::now() - std::chrono::seconds(static_cast<int64_t>(*source.olderThanDays) * 86'400);
+        for (const std::string& folder : PathGlob::expand(source.pattern)) {
+            std::vector<std::string> names;
+            if (!isDirectoryNoFollow(folder) || !listFolder(folder, names))
+                continue;
+            for (const std::string& name : names) {
+                if (source.exclude.contains(name) || name == ".DS_Store" || name == ".localized")
+                    continue;
+                const std::string child = Paths::join(folder, name);
+                const std::optional<Date> date =
+                    source.dateKey == Source::DateKey::modified ? modDate(child) : addedDate(child);
+                if (cutoff && date && *date > *cutoff)
+                    continue;
+                add(rule, child, date, std::nullopt, 0);
+            }
+        }
+    }
+
+    void collectItems(const Rule& rule, const Source::Items& source) {
+        for (const std::string& path : PathGlob::expand(source.pattern))
+            add(rule, path, std::nullopt, std::nullopt, 0);
+    }
+
+    void collectCommand(const Rule& rule, const Source::Command& source) {
+        if (source.requires_ && Shell::run("command -v " + shellQuote(*source.requires_), 10).status != 0)
+            return;
+        std::optional<std::string> note;
+        if (source.note)
+            note = localized(*source.note);
+        if (source.probe) {
+            const std::string value = trimmed(Shell::run(*source.probe, 30).standardOutput);
+            if (value.empty() || value == "0")
+                return;
+            note = note ? replacingAll(std::move(*note), "{value}", value) : value;
+        }
+        commandItems[rule.category.id].push_back(
+            ScanItem{source.id, rule.category.id, localized(source.title), std::nullopt, std::nullopt,
+                     std::nullopt, RemovalMethod::makeCommand(source.shell, source.admin), std::move(note)});
+    }
+
+    // Gives `path` to the rule's category unless a category already owns it or
+    // something inside it; in the latter case the folder's other entries are offered
+    // instead, down to `maxSplitDepth` levels.
+    void add(const Rule& rule, const std::string& path, std::optional<Date> modified,
+             std::optional<std::string> note, int depth) {
+        const std::string canonical = Paths::canonicalPath(path);
+        if (CleanupRules::protectedPaths().contains(canonical) || claims.isCovered(canonical))
+            return;
+        if (claims.hasClaimedDescendant(canonical)) {
+            std::vector<std::string> names;
+            if (depth < maxSplitDepth && isDirectoryNoFollow(canonical) && listFolder(canonical, names)) {
+                for (const std::string& name : names)
+                    add(rule, Paths::join(canonical, name), std::nullopt, std::nullopt, depth + 1);
+            }
+            return;
+        }
+        claims.insert(canonical);
+        RemovalMethod method = rule.permanent ? RemovalMethod::permanent()
+                               : Paths::isWritable(Paths::parentFolder(canonical))
+                                   ? RemovalMethod::trash()
+                                   : RemovalMethod::adminTrash();
+        if (!modified)
+            modified = modDate(canonical);
+        candidates[rule.category.id].push_back(
+            Candidate{rule.category.id, canonical, std::move(method), modified, std::move(note)});
+    }
+
+    const ScanOptions& options_;
+};
+
+// The large category's candidates: one per hit, trashed by the user where the
+// parent folder is writable, by the administrator batch otherwise.
+void appendLargeFiles(const std::string& categoryID, const ScanOptions& options, const Claims& claims,
+                      const std::stop_token& stop, std::vector<Candidate>& candidates) {
+    for (LargeFile& hit : largeFiles(options, claims, stop)) {
+        RemovalMethod method = Paths::isWritable(Paths::parentFolder(hit.path)) ? RemovalMethod::trash()
+                                                                                : RemovalMethod::adminTrash();
+        candidates.push_back(
+            Candidate{categoryID, std::move(hit.path), std::move(method), hit.modified, std::move(hit.note)});
+    }
+}
+
+} // namespace
+
+std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& events, std::stop_token stop) {
+    report(events, ScanEvent::Status{localized("Preparing scan\u2026")});
+    Collection collection(options);
+    if (!collection.run(stop))
+        return {};
+
+    const std::vector<CleanCategory>& categories = CleanupRules::categories();
+    const size_t count = categories.size();
+    std::vector<ScanItem> result;
+    for (size_t i = 0; i < count; ++i) {
+        if (stop.stop_requested())
+            return result;
+        const CleanCategory& category = categories[i];
+        const double n = static_cast<double>(count);
+        const double position = static_cast<double>(i);
+        report(events,
+               ScanEvent::CategoryStarted{category.id, static_cast<int>(i + 1), static_cast<int>(count)});
+        report(events, ScanEvent::Status{localizedFormat("Scanning %1\u2026", {category.title})});
+        report(events, position / n);
+
+        std::vector<Candidate> candidates = std::move(collection.candidates[category.id]);
+        if (category.group == CategoryGroup::large) {
+            report(events, ScanEvent::Status{localizedFormat("Searching for large files (\u2265 %1)\u2026",
+                                                             {formatByteCount(options.largeFileThreshold)})});
+            appendLargeFiles(category.id, options, collection.claims, stop, candidates);
+        }
+
+        std::vector<ScanItem> list = std::move(collection.commandItems[category.id]);
+        // (i + done/total) / N rather than i/N + done/(total·N): the same value, but
+        // rounded so that a category's last step meets the next one's start exactly
+        // and progress never steps back.
+        std::vector<ScanItem> measured = Measurement::measure(
+            candidates,
+            [&](size_t done, size_t total) {
+                report(events, (position + static_cast<double>(done) / static_cast<double>(total)) / n);
+            },
+            stop);
+        // A category whose measurement saw the stop may hold partial sizes and a partial
+        // large-file list: it is neither reported nor returned.
+        if (stop.stop_requested())
+            return result;
+        list.insert(list.end(), std::make_move_iterator(measured.begin()),
+                    std::make_move_iterator(measured.end()));
+        result.insert(result.end(), list.begin(), list.end());
+        report(events, ScanEvent::CategoryFinished{category.id, std::move(list)});
+    }
+    report(events, 1.0);
+    return result;
+}
+
+std::optional<Date> modDate(const std::string& path) {
+    struct stat st {};
+    if (::lstat(path.c_str(), &st) != 0)
+        return std::nullopt;
+    return Date(std::chrono::seconds(st.st_mtim.tv_sec) + std::chrono::nanoseconds(st.st_mtim.tv_nsec));
+}
+
+std::optional<Date> addedDate(const std::string& path) {
+    // Linux keeps no added-to-folder date; the modification date stands in for it.
+    return modDate(path);
+}
+
+} // namespace JunkScanner

@@ -1,0 +1,408 @@
+#include "ScanRecorder.h"
+
+#include "catalogue/CleanupRules.h"
+#include "platform/Environment.h"
+#include "removal/Shell.h"
+#include "support/FakeHome.h"
+#include "support/Unprivileged.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fcntl.h>
+#include <set>
+#include <sys/stat.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int64_t day = 86'400;
+
+std::string categoryOf(const RecordedScan& scan, const std::string& id) {
+    const ScanItem* found = scan.item(id);
+    return found ? found->categoryID : "(none)";
+}
+
+void setModified(const std::string& path, Date date) {
+    const auto since = date.time_since_epoch();
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(since);
+    timespec times[2];
+    times[0].tv_sec = static_cast<time_t>(seconds.count());
+    times[0].tv_nsec = static_cast<long>((since - seconds).count());
+    times[1] = times[0];
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << path;
+}
+
+Date daysAgo(int days) {
+    return Dates::now() - std::chrono::seconds(days * day);
+}
+
+void writeScript(const FakeHome& home, const std::string& tool, const std::string& body) {
+    const std::string path = home.makeFile(".docker/bin/" + tool, "#!/bin/sh\n" + body + "\n");
+    ASSERT_EQ(::chmod(path.c_str(), 0755), 0);
+}
+
+size_t countOf(const RecordedScan& scan, const std::string& id) {
+    return static_cast<size_t>(std::count_if(scan.items.begin(), scan.items.end(),
+                                             [&](const ScanItem& item) { return item.id == id; }));
+}
+
+} // namespace
+
+TEST(JunkScanner, FirstRuleInTableOrderOwnsAPath) {
+    FakeHome home;
+    home.makeFile("Library/Caches/Google/Chrome/data", "chrome");
+    home.makeFile("Library/Caches/Homebrew/downloads/pkg.tar", "bottle");
+    home.makeFile("Library/Caches/pip/http/wheel", "wheel");
+    home.makeFile("Library/Caches/Yarn/v6/package", "yarn");
+    home.makeFile("Library/Caches/com.example.app/cache.db", "db");
+    home.makeFile("Library/Caches/.DS_Store", "finder");
+
+    const RecordedScan scan = recordScan(quietOptions());
+
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/Google")), "apps.browsers");
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/Homebrew")), "dev.packages");
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/pip")), "dev.packages");
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/Yarn")), "dev.packages");
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/com.example.app")), "user.caches");
+    // The Caches folder itself is protected; the Finder's file is never a child item.
+    EXPECT_EQ(scan.item(home.path("Library/Caches")), nullptr);
+    EXPECT_EQ(scan.item(home.path("Library/Caches/.DS_Store")), nullptr);
+    for (const ScanItem& item : scan.items)
+        EXPECT_EQ(countOf(scan, item.id), 1u) << item.id;
+
+    const ScanItem* google = scan.item(home.path("Library/Caches/Google"));
+    ASSERT_NE(google, nullptr);
+    EXPECT_EQ(google->name, "Google");
+    EXPECT_EQ(google->url, home.path("Library/Caches/Google"));
+    EXPECT_EQ(google->size, allocatedBytes(home.path("Library/Caches/Google/Chrome/data")));
+    EXPECT_EQ(google->method, RemovalMethod::trash());
+    EXPECT_EQ(google->modified, JunkScanner::modDate(home.path("Library/Caches/Google")));
+    EXPECT_FALSE(google->note);
+}
+
+TEST(JunkScanner, LaterRuleNamingAnAncestorGetsItsOtherEntries) {
+    FakeHome home;
+    home.makeFile("Library/Logs/DiagnosticReports/app.crash", "crash");
+    home.makeFile("Library/Logs/DiagnosticReports/.DS_Store", "finder");
+    home.makeFile("Library/Logs/CoreSimulator/device/system.log", "simulator");
+    home.makeFile("Library/Logs/app.log", "log");
+
+    const RecordedScan scan = recordScan(quietOptions());
+
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Logs/DiagnosticReports/app.crash")), "user.logs");
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Logs/CoreSimulator/device")), "dev.devicesupport");
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Logs/app.log")), "user.logs");
+    // Splitting a folder offers every other entry, without the name filters of a
+    // children source.
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Logs/DiagnosticReports/.DS_Store")), "user.logs");
+    EXPECT_EQ(scan.item(home.path("Library/Logs/DiagnosticReports")), nullptr);
+    EXPECT_EQ(scan.item(home.path("Library/Logs/CoreSimulator")), nullptr);
+}
+
+TEST(JunkScanner, SplittingStopsFourLevelsDown) {
+    FakeHome home;
+    // With the temporary folder deep inside the user caches, the temporary files rule
+    // (earlier in the table) claims its old entries, and the user caches rule has to
+    // split its way down around them.
+    const std::string tmp = home.makeDir("Library/Caches/a/b/c/d/tmp");
+    ::setenv("TMPDIR", tmp.c_str(), 1);
+    home.makeFile("Library/Caches/a/s1", "1");
+    home.makeFile("Library/Caches/a/b/s2", "2");
+    home.makeFile("Library/Caches/a/b/c/s3", "3");
+    home.makeFile("Library/Caches/a/b/c/d/s4", "4");
+    const std::string old = home.makeFile("Library/Caches/a/b/c/d/tmp/old", "old");
+    home.makeFile("Library/Caches/a/b/c/d/tmp/new", "new");
+    setModified(old, daysAgo(10));
+
+    const RecordedScan scan = recordScan(quietOptions());
+
+    ASSERT_EQ(Environment::temporaryFolder(), tmp);
+    EXPECT_EQ(categoryOf(scan, old), "user.temp");
+    const std::vector<std::string> caches = scan.idsIn("user.caches");
+    const std::set<std::string> offered(caches.begin(), caches.end());
+    EXPECT_EQ(offered, (std::set<std::string>{
+                           home.path("Library/Caches/a/s1"), home.path("Library/Caches/a/b/s2"),
+                           home.path("Library/Caches/a/b/c/s3"), home.path("Library/Caches/a/b/c/d/s4")}));
+    // The temporary folder is four levels below "a": it is not split again, so its
+    // newer entry is nobody's.
+    EXPECT_EQ(scan.item(home.path("Library/Caches/a/b/c/d/tmp/new")), nullptr);
+    EXPECT_EQ(scan.item(tmp), nullptr);
+}
+
+TEST(JunkScanner, ProtectedPathsAreNeverItemsButTheirEntriesAre) {
+    FakeHome home;
+    // The temporary folder is the home folder itself, so the temporary files rule
+    // meets the protected folders of the home as children.
+    ::setenv("TMPDIR", home.home().c_str(), 1);
+    home.makeFile("Library/Caches/com.example.app/cache.db", "db");
+    const std::string download = home.makeFile("Downloads/installer.dmg", "dmg");
+    home.makeFile(".cache/tool/blob", "blob");
+    home.makeFile("Documents/letter.txt", "letter");
+    home.makeFile("project/main.c", "int main;");
+    setModified(download, daysAgo(200));
+    for (const char* folder : {"Library", "Downloads", ".cache", "Documents", "project"})
+        setModified(home.path(folder), daysAgo(10));
+
+    const RecordedScan scan = recordScan(quietOptions());
+
+    EXPECT_EQ(categoryOf(scan, home.path("project")), "user.temp");
+    for (const char* folder : {"Library", "Downloads", ".cache", "Documents", "Library/Caches"})
+        EXPECT_EQ(scan.item(home.path(folder)), nullptr) << folder;
+    EXPECT_EQ(scan.item(home.home()), nullptr);
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/com.example.app")), "user.caches");
+    EXPECT_EQ(categoryOf(scan, download), "user.downloads");
+    EXPECT_EQ(categoryOf(scan, home.path(".cache/tool")), "dev.stores");
+}
+
+TEST(JunkScanner, AgeCutoffKeepsTheCutoffItselfAndDropsNewerEntries) {
+    FakeHome home;
+    const std::string atCutoff = home.makeFile("Downloads/at-cutoff.zip", "a");
+    const std::string secondNewer = home.makeFile("Downloads/second-newer.zip", "b");
+    const std::string minuteNewer = home.makeFile("Downloads/minute-newer.zip", "c");
+    const std::string ancient = home.makeFile("Downloads/ancient.zip", "d");
+
+    // The scan takes its own "now" a moment later than this one, which moves its
+    // cutoff later too: the entry dated exactly at this cutoff is at or before the
+    // scan's cutoff, and the one a second newer is after it as long as the scan
+    // reaches the rule within that second.
+    const Date now = Dates::now();
+    const Date cutoff = now - std::chrono::seconds(90 * day);
+    setModified(atCutoff, cutoff);
+    setModified(secondNewer, cutoff + 1s);
+    setModified(minuteNewer, cutoff + 60s);
+    setModified(ancient, cutoff - std::chrono::seconds(400 * day));
+
+    const RecordedScan scan = recordScan(quietOptions());
+    const auto elapsed = Dates::now() - now;
+
+    EXPECT_EQ(categoryOf(scan, atCutoff), "user.downloads");
+    EXPECT_EQ(categoryOf(scan, ancient), "user.downloads");
+    EXPECT_EQ(scan.item(minuteNewer), nullptr);
+    if (elapsed < 1s) {
+        EXPECT_EQ(scan.item(secondNewer), nullptr);
+    }
+    const ScanItem* kept = scan.item(atCutoff);
+    ASSERT_NE(kept, nullptr);
+    EXPECT_EQ(kept->modified, cutoff);
+}
+
+TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
+    FakeHome home;
+    ASSERT_NE(Shell::run("command -v xcrun", 10).status, 0) << "this machine has a real xcrun";
+    home.makeFile("Library/Caches/Homebrew/downloads/pkg.tar", "bottle");
+    writeScript(home, "brew", "exit 0");
+    writeScript(home, "tmutil",
+                "printf 'com.apple.TimeMachine.2024-01-01-000000.local\\n"
+                "com.apple.TimeMachine.2024-01-02-000000.local\\n"
+                "com.apple.TimeMachine.2024-01-03-000000.local\\n'");
+
+    RecordedScan scan = recordScan(quietOptions());
+
+    // No xcrun: the simulator clean-up is not offered.
+    EXPECT_EQ(scan.item("cmd.simctl"), nullptr);
+    const ScanItem* snapshots = scan.item("cmd.tmutil");
+    ASSERT_NE(snapshots, nullptr);
+    const Source::Command& source = std::get<Source::Command>(CleanupRules::rules()[20].sources[0].value);
+    EXPECT_EQ(*snapshots, (ScanItem{"cmd.tmutil", "system.snapshots",
+                                    "Delete all Time Machine local snapshots", std::nullopt, std::nullopt,
+                                    std::nullopt, RemovalMethod::makeCommand(source.shell, true),
+                                    "3 snapshots found (actual size is unknown until deleted)"}));
+    // A tool without a probe is offered with its note unchanged (none), before the
+    // measured items of its category.
+    const std::vector<std::string> packages = scan.idsIn("dev.packages");
+    ASSERT_FALSE(packages.empty());
+    EXPECT_EQ(packages.front(), "cmd.brew");
+    EXPECT_EQ(scan.item("cmd.brew")->note, std::nullopt);
+    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/Homebrew")), "dev.packages");
+
+    // The probe counts nothing: "0".
+    writeScript(home, "tmutil", "exit 0");
+    scan = recordScan(quietOptions());
+    EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);
+
+    // The probe prints only white space (a grep that finds a blank line, here).
+    writeScript(home, "tmutil", "echo com.apple");
+    writeScript(home, "grep", "printf ' \\t\\r\\n\\n'");
+    scan = recordScan(quietOptions());
+    EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);
+    EXPECT_NE(scan.item("cmd.brew"), nullptr);
+}
+
+TEST(JunkScanner, FullDiskAccessRulesNeedAccessButAreAlwaysReported) {
+    FakeHome home;
+    const std::string sandboxCache =
+        home.path("Library/Containers/com.example.notes/Data/Library/Caches/web");
+    home.makeFile("Library/Containers/com.example.notes/Data/Library/Caches/web/blob", "blob");
+    const std::string attachment =
+        home.makeFile("Library/Containers/com.apple.mail/Data/Library/Mail Downloads/report.pdf", "pdf");
+
+    const RecordedScan without = recordScan(quietOptions(false));
+    EXPECT_TRUE(without.idsIn("apps.sandbox").empty());
+    EXPECT_TRUE(without.idsIn("user.mail").empty());
+    for (const char* id : {"apps.sandbox", "user.mail"}) {
+        const auto* finished = without.finished(id);
+        ASSERT_NE(finished, nullptr) << id;
+        EXPECT_TRUE(finished->items.empty());
+    }
+
+    const RecordedScan with = recordScan(quietOptions(true));
+    EXPECT_EQ(categoryOf(with, sandboxCache), "apps.sandbox");
+    EXPECT_EQ(categoryOf(with, attachment), "user.mail");
+}
+
+TEST(JunkScanner, UnreadableAdminFolderIsKeptWithoutSize) {
+    FakeHome home;
+    home.makeFile("Library/Caches/locked.cache/secret", "secret");
+    home.makeDir("Library/Caches/empty.cache");
+    home.makeFile("Library/Caches/open.cache/data", "data");
+    // Neither the unprivileged child nor (when not root) this process may write the
+    // Caches folder or read the locked folder.
+    ASSERT_EQ(::chmod(home.path("Library/Caches/locked.cache").c_str(), 0), 0);
+    ASSERT_EQ(::chmod(home.path("Library/Caches").c_str(), 0555), 0);
+
+    const std::string lockedFolder = home.path("Library/Caches/locked.cache");
+    const std::string openFolder = home.path("Library/Caches/open.cache");
+    const std::string emptyFolder = home.path("Library/Caches/empty.cache");
+    const int status = runUnprivileged([&] {
+        const std::vector<ScanItem> items = JunkScanner::scan(quietOptions(), {});
+        const auto find = [&](const std::string& id) -> const ScanItem* {
+            for (const ScanItem& item : items)
+                if (item.id == id)
+                    return &item;
+            return nullptr;
+        };
+        const ScanItem* unreadable = find(lockedFolder);
+        if (!unreadable)
+            return 10;
+        if (unreadable->size || unreadable->method != RemovalMethod::adminTrash() ||
+            unreadable->note != "Size unreadable (needs administrator access)" ||
+            unreadable->url != lockedFolder)
+            return 11;
+        const ScanItem* readable = find(openFolder);
+        if (!readable || readable->size != allocatedBytes(openFolder + "/data") ||
+            readable->method != RemovalMethod::adminTrash() || readable->note)
+            return 12;
+        if (find(emptyFolder))
+            return 13;
+        return 0;
+    });
+    ::chmod(home.path("Library/Caches").c_str(), 0755);
+    ::chmod(lockedFolder.c_str(), 0755);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(JunkScanner, EventSequenceOfAFullScan) {
+    FakeHome home;
+    for (int i = 0; i < 25; ++i)
+        home.makeFile("Library/Saved Application State/app" + std::to_string(i) + ".savedState/windows",
+                      "state");
+    home.makeFile(".Trash/old.txt", "trash");
+    home.makeFileOfSize("Documents/video.mov", 2'000'000);
+
+    const RecordedScan scan = recordScan(ScanOptions{1'500'000, {}, false});
+
+    EXPECT_FALSE(scan.overlappingEvents);
+    const std::vector<CleanCategory>& categories = CleanupRules::categories();
+    const int n = static_cast<int>(categories.size());
+    ASSERT_FALSE(scan.events.empty());
+    EXPECT_EQ(scan.events.front(), (ScanEvent{ScanEvent::Status{"Preparing scan\u2026"}}));
+
+    size_t at = 1;
+    std::vector<ScanItem> reported;
+    for (int i = 0; i < n; ++i) {
+        const CleanCategory& category = categories[static_cast<size_t>(i)];
+        SCOPED_TRACE(category.id);
+        ASSERT_LT(at + 3, scan.events.size());
+        EXPECT_EQ(scan.events[at++], (ScanEvent{ScanEvent::CategoryStarted{category.id, i + 1, n}}));
+        EXPECT_EQ(scan.events[at++], (ScanEvent{ScanEvent::Status{"Scanning " + category.title + "\u2026"}}));
+        EXPECT_EQ(scan.events[at++], (ScanEvent{ScanEvent::Progress{static_cast<double>(i) / n}}));
+        if (category.group == CategoryGroup::large) {
+            EXPECT_EQ(scan.events[at++],
+                      (ScanEvent{ScanEvent::Status{"Searching for large files (\u2265 1.5 MB)\u2026"}}));
+        }
+        std::vector<double> steps;
+        while (at < scan.events.size() && std::holds_alternative<ScanEvent::Progress>(scan.events[at].value))
+            steps.push_back(std::get<ScanEvent::Progress>(scan.events[at++].value).value);
+        if (category.id == "user.state") {
+            // 25 measurements: progress after the 10th, the 20th and the last.
+            EXPECT_EQ(steps, (std::vector<double>{(i + 10.0 / 25) / n, (i + 20.0 / 25) / n, (i + 1.0) / n}));
+        }
+        ASSERT_LT(at, scan.events.size());
+        const auto* finished = std::get_if<ScanEvent::CategoryFinished>(&scan.events[at++].value);
+        ASSERT_NE(finished, nullptr);
+        EXPECT_EQ(finished->id, category.id);
+        reported.insert(reported.end(), finished->items.begin(), finished->items.end());
+    }
+    ASSERT_EQ(at + 1, scan.events.size());
+    EXPECT_EQ(scan.events.back(), (ScanEvent{ScanEvent::Progress{1.0}}));
+
+    const std::vector<double> progress = scan.progressValues();
+    EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
+    EXPECT_EQ(progress.back(), 1.0);
+    EXPECT_EQ(scan.items, reported);
+    EXPECT_EQ(scan.idsIn("user.state").size(), 25u);
+    EXPECT_EQ(scan.idsIn("large.files"), (std::vector<std::string>{home.path("Documents/video.mov")}));
+}
+
+TEST(JunkScanner, StopDuringCollectionReturnsNothing) {
+    FakeHome home;
+    home.makeFile(".Trash/old.txt", "trash");
+
+    const RecordedScan scan =
+        recordScan(quietOptions(), [](const ScanEvent&, std::stop_source& stop) { stop.request_stop(); });
+
+    EXPECT_TRUE(scan.items.empty());
+    EXPECT_EQ(scan.events, (std::vector<ScanEvent>{ScanEvent{ScanEvent::Status{"Preparing scan\u2026"}}}));
+}
+
+TEST(JunkScanner, StopBetweenCategoriesReturnsTheFinishedOnes) {
+    FakeHome home;
+    home.makeFile(".Trash/old.txt", "trash");
+    home.makeFile("Library/Saved Application State/app.savedState/windows", "state");
+    const std::string secondID = CleanupRules::categories()[1].id;
+
+    const RecordedScan scan = recordScan(quietOptions(), [&](const ScanEvent& event, std::stop_source& stop) {
+        if (const auto* finished = std::get_if<ScanEvent::CategoryFinished>(&event.value);
+            finished && finished->id == secondID)
+            stop.request_stop();
+    });
+
+    ASSERT_NE(scan.finished("user.trash"), nullptr);
+    EXPECT_EQ(scan.items, scan.finished("user.trash")->items);
+    EXPECT_EQ(scan.idsIn("user.trash"), (std::vector<std::string>{home.path(".Trash/old.txt")}));
+    EXPECT_EQ(scan.items.front().method, RemovalMethod::permanent());
+    ASSERT_FALSE(scan.events.empty());
+    EXPECT_TRUE(std::holds_alternative<ScanEvent::CategoryFinished>(scan.events.back().value));
+    EXPECT_EQ(scan.finished("user.state"), nullptr);
+}
+
+TEST(JunkScanner, StopDuringMeasurementDropsTheUnfinishedCategory) {
+    FakeHome home;
+    home.makeFile(".Trash/old.txt", "trash");
+    for (int i = 0; i < 40; ++i)
+        home.makeFile("Library/Saved Application State/app" + std::to_string(i) + ".savedState/windows",
+                      "state");
+    bool inState = false;
+    int progressInState = 0;
+
+    // The category's first progress event is its start; the second comes after its
+    // 10th measurement.
+    const RecordedScan scan = recordScan(quietOptions(), [&](const ScanEvent& event, std::stop_source& stop) {
+        if (const auto* started = std::get_if<ScanEvent::CategoryStarted>(&event.value))
+            inState = started->id == "user.state";
+        else if (inState && std::holds_alternative<ScanEvent::Progress>(event.value) &&
+                 ++progressInState == 2)
+            stop.request_stop();
+    });
+
+    ASSERT_EQ(progressInState, 2);
+    EXPECT_EQ(scan.idsIn("user.trash"), (std::vector<std::string>{home.path(".Trash/old.txt")}));
+    EXPECT_TRUE(scan.idsIn("user.state").empty());
+    EXPECT_EQ(scan.finished("user.state"), nullptr);
+    ASSERT_FALSE(scan.events.empty());
+    // No measurement started after the stop, so the 20th never completed.
+    EXPECT_TRUE(std::holds_alternative<ScanEvent::Progress>(scan.events.back().value));
+}
