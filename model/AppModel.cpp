@@ -29,6 +29,9 @@ AppModel::AppModel(QObject* parent)
     categoryItems_ = new CategoryItemsModel(this, this);
     categoryTable_ = new CategoryItemsProxy(this);
     categoryTable_->setSourceModel(categoryItems_);
+    for (Signal signal : {&AppModel::itemsChanged, &AppModel::itemsByCategoryChanged, &AppModel::selectionChanged,
+                          &AppModel::categoryStateChanged, &AppModel::cleanScopeChanged})
+        connect(this, signal, this, &AppModel::resultsChanged);
 }
 
 AppModel::~AppModel() {

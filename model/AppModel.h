@@ -94,6 +94,15 @@ public:
     Q_PROPERTY(QStringList extraRootPaths READ extraRootPaths NOTIFY extraRootsChanged)
     Q_PROPERTY(bool hasLastResult READ hasLastResult NOTIFY lastResultChanged)
     Q_PROPERTY(bool hasSystemReport READ hasSystemReport NOTIFY systemReportChanged)
+    Q_PROPERTY(QVariantList ranking READ ranking NOTIFY resultsChanged)
+    Q_PROPERTY(QVariantList largestItems READ largestItems NOTIFY resultsChanged)
+    Q_PROPERTY(QVariantMap cleanPlan READ cleanPlan NOTIFY resultsChanged)
+    Q_PROPERTY(QVariantMap lastResultInfo READ lastResultInfo NOTIFY lastResultChanged)
+    Q_PROPERTY(QVariantList systemEntries READ systemEntries CONSTANT)
+    Q_PROPERTY(QVariantMap systemSizes READ systemSizes NOTIFY systemReportChanged)
+    Q_PROPERTY(int systemSnapshotCount READ systemSnapshotCount NOTIFY systemReportChanged)
+    Q_PROPERTY(qint64 systemPurgeable READ systemPurgeable NOTIFY systemReportChanged)
+    Q_PROPERTY(qint64 systemMeasuredTotal READ systemMeasuredTotal NOTIFY systemReportChanged)
     Q_PROPERTY(CategoryListModel* categoryList READ categoryList CONSTANT)
     Q_PROPERTY(CategoryItemsModel* categoryItems READ categoryItems CONSTANT)
     Q_PROPERTY(CategoryItemsProxy* categoryTable READ categoryTable CONSTANT)
@@ -206,6 +215,35 @@ public:
     Q_INVOKABLE int groupState(const QString& group) const;
     Q_INVOKABLE int categoryScanState(const QString& categoryID) const;
 
+    // Read-only shapes for the views (model/AppModelViews.cpp).
+    // Top 8 categories by size among the finished, non-empty ones: categoryId, title,
+    // symbol, group, tint, total, fraction (of the largest), count, checked.
+    QVariantList ranking() const;
+    // Top 8 items by size that are not commands and have a known positive size: key,
+    // name, path, location, size, hasURL, categoryId, categoryTitle, tint, checked.
+    QVariantList largestItems() const;
+    // The confirmation's figures for itemsToClean: scopeTitle, count, total, trashCount,
+    // trashSize, permanentCount, permanentSize, commandNames, adminCount, largeCount,
+    // reviewCount.
+    QVariantMap cleanPlan() const;
+    // lastResult for the views: present, succeededCount, movedToTrashBytes, deletedBytes,
+    // gain (freeAfter - freeBefore), trashedCount, failures [{id, name, reason, path}].
+    QVariantMap lastResultInfo() const;
+    // The System Data catalogue: id, title, detail, symbol, hasAction, actionTitle,
+    // actionConfirm, protectedNote, paths (expanded).
+    QVariantList systemEntries() const;
+    QVariantMap systemSizes() const;
+    int systemSnapshotCount() const;
+    qint64 systemPurgeable() const;
+    qint64 systemMeasuredTotal() const;
+    // A category for the views (same keys as the category list's roles), or {} when
+    // the id is unknown.
+    Q_INVOKABLE QVariantMap categoryInfo(const QString& categoryID) const;
+    // The one folder every non-command item of the category lies in, or "".
+    Q_INVOKABLE QString commonLocation(const QString& categoryID) const;
+    // The first of a System Data entry's folders that exists, or "".
+    Q_INVOKABLE QString firstExistingPath(const QString& entryID) const;
+
     // True while worker threads still run (a scan winding down after a stop, a clean,
     // a purge, an analysis); the application uses it to end promptly at exit.
     bool hasRunningWork() const { return !workers_.empty(); }
@@ -239,6 +277,9 @@ signals:
     void systemSnapshotsMeasuredChanged();
     // Items or selection changed, so selected totals may have.
     void totalsChanged();
+    // Anything the result views derive from changed: items, their grouping,
+    // selection, scan states or the clean scope.
+    void resultsChanged();
 
 private:
     using Signal = void (AppModel::*)();

@@ -1,0 +1,221 @@
+// Read-only shapes of the model's state for the views: plain maps and lists, so the
+// screens stay free of logic that could drift from the model's.
+
+#include "model/AppModel.h"
+
+#include "catalogue/CleanupRules.h"
+#include "model/CleanPlan.h"
+#include "model/ItemKey.h"
+#include "systemdata/SystemDataCatalog.h"
+
+#include <QColor>
+
+#include <algorithm>
+#include <sys/stat.h>
+
+namespace {
+
+QColor colorOf(const Rgb& rgb) { return QColor::fromRgbF(float(rgb.red), float(rgb.green), float(rgb.blue)); }
+
+QVariantMap categoryMap(const CleanCategory& category) {
+    return {
+        {"categoryId", QString::fromStdString(category.id)},
+        {"group", QString::fromUtf8(CategoryGroups::rawValue(category.group))},
+        {"groupTitle", QString::fromStdString(CategoryGroups::title(category.group))},
+        {"title", QString::fromStdString(category.title)},
+        {"detail", QString::fromStdString(category.detail)},
+        {"symbol", QString::fromStdString(category.symbol)},
+        {"tint", colorOf(CategoryGroups::tint(category.group))},
+        {"risk", QString::fromUtf8(Risks::name(category.risk))},
+        {"riskLabel", QString::fromStdString(Risks::label(category.risk))},
+        {"selectedByDefault", category.selectedByDefault},
+    };
+}
+
+QStringList names(const std::vector<ScanItem>& items) {
+    QStringList out;
+    for (const ScanItem& item : items)
+        out << ItemKey::displayText(item.name);
+    return out;
+}
+
+} // namespace
+
+QVariantList AppModel::ranking() const {
+    std::vector<const CleanCategory*> ranked;
+    for (const CleanCategory& category : categories()) {
+        const QString id = QString::fromStdString(category.id);
+        if (stateOf(id) == CategoryScanState::done && itemCountOf(id) > 0 && totalSize(id) > 0)
+            ranked.push_back(&category);
+    }
+    std::stable_sort(ranked.begin(), ranked.end(), [this](const CleanCategory* a, const CleanCategory* b) {
+        return totalSize(QString::fromStdString(a->id)) > totalSize(QString::fromStdString(b->id));
+    });
+    if (ranked.size() > 8)
+        ranked.resize(8);
+    const double largest =
+        ranked.empty() ? 1.0 : std::max<double>(1.0, double(totalSize(QString::fromStdString(ranked.front()->id))));
+    QVariantList out;
+    for (const CleanCategory* category : ranked) {
+        const QString id = QString::fromStdString(category->id);
+        QVariantMap row = categoryMap(*category);
+        row.insert("total", totalSize(id));
+        row.insert("fraction", double(totalSize(id)) / largest);
+        row.insert("count", itemCountOf(id));
+        row.insert("checked", selectedCount(id));
+        out.append(row);
+    }
+    return out;
+}
+
+QVariantList AppModel::largestItems() const {
+    std::vector<const ScanItem*> candidates;
+    for (const ScanItem& item : items_)
+        if (!item.method.isCommand() && item.size && *item.size > 0)
+            candidates.push_back(&item);
+    std::stable_sort(candidates.begin(), candidates.end(),
+                     [](const ScanItem* a, const ScanItem* b) { return a->sortSize() > b->sortSize(); });
+    if (candidates.size() > 8)
+        candidates.resize(8);
+    QVariantList out;
+    for (const ScanItem* item : candidates) {
+        QVariantMap row{
+            {"key", ItemKey::fromID(item->id)},
+            {"name", ItemKey::displayText(item->name)},
+            {"path", ItemKey::displayText(item->url ? *item->url : item->location())},
+            {"location", ItemKey::displayText(item->location())},
+            {"size", static_cast<qint64>(item->sortSize())},
+            {"hasURL", item->url.has_value()},
+            {"categoryId", QString::fromStdString(item->categoryID)},
+            {"checked", selection_.contains(item->id)},
+        };
+        if (const auto category = this->category(QString::fromStdString(item->categoryID))) {
+            row.insert("categoryTitle", QString::fromStdString(category->title));
+            row.insert("tint", colorOf(CategoryGroups::tint(category->group)));
+        }
+        out.append(row);
+    }
+    return out;
+}
+
+QVariantMap AppModel::cleanPlan() const {
+    const ScanItems items = itemsToClean();
+    const CleanPlan plan = CleanPlan::of(items, categories());
+    QString scopeTitle;
+    if (!cleanScope_.isEmpty())
+        if (const auto scoped = category(cleanScope_))
+            scopeTitle = QString::fromStdString(scoped->title);
+    return {
+        {"scopeTitle", scopeTitle},
+        {"count", static_cast<int>(items.size())},
+        {"total", static_cast<qint64>(ScanResults::totalSize(items))},
+        {"trashCount", static_cast<int>(plan.toTrash.size())},
+        {"trashSize", static_cast<qint64>(ScanResults::totalSize(plan.toTrash))},
+        {"permanentCount", static_cast<int>(plan.permanent.size())},
+        {"permanentSize", static_cast<qint64>(ScanResults::totalSize(plan.permanent))},
+        {"commandNames", names(plan.commands)},
+        {"adminCount", static_cast<int>(plan.needsAdmin.size())},
+        {"largeCount", static_cast<int>(plan.largeFiles.size())},
+        {"reviewCount", static_cast<int>(plan.review.size())},
+    };
+}
+
+QVariantMap AppModel::lastResultInfo() const {
+    if (!lastResult_)
+        return {{"present", false}};
+    const CleanResult& r = *lastResult_;
+    QVariantList failures;
+    for (const CleanFailure& failure : r.failures) {
+        const std::string& where = failure.item.url ? *failure.item.url : failure.item.location();
+        failures.append(QVariantMap{{"id", QString::fromStdString(failure.id)},
+                                    {"name", ItemKey::displayText(failure.item.name)},
+                                    {"reason", QString::fromStdString(failure.reason)},
+                                    {"path", ItemKey::displayText(where)}});
+    }
+    return {
+        {"present", true},
+        {"succeededCount", static_cast<int>(r.succeeded.size())},
+        {"movedToTrashBytes", static_cast<qint64>(r.movedToTrashBytes)},
+        {"deletedBytes", static_cast<qint64>(r.deletedBytes)},
+        {"gain", static_cast<qint64>(r.freeAfter - r.freeBefore)},
+        {"trashedCount", static_cast<int>(r.trashedURLs.size())},
+        {"failures", failures},
+    };
+}
+
+QVariantList AppModel::systemEntries() const {
+    QVariantList out;
+    for (const SystemDataEntry& entry : SystemDataCatalog::entries()) {
+        QStringList paths;
+        for (const std::string& path : entry.expandedPaths())
+            paths << ItemKey::displayText(path);
+        out.append(QVariantMap{
+            {"id", QString::fromStdString(entry.id)},
+            {"title", QString::fromStdString(entry.title)},
+            {"detail", QString::fromStdString(entry.detail)},
+            {"symbol", QString::fromStdString(entry.symbol)},
+            {"hasAction", entry.action.has_value()},
+            {"actionTitle", entry.action ? QString::fromStdString(entry.action->title) : QString()},
+            {"actionConfirm", entry.action ? QString::fromStdString(entry.action->confirm) : QString()},
+            {"protectedNote", entry.protectedNote ? QString::fromStdString(*entry.protectedNote) : QString()},
+            {"paths", paths},
+        });
+    }
+    return out;
+}
+
+QVariantMap AppModel::systemSizes() const {
+    QVariantMap out;
+    if (systemReport_)
+        for (const auto& [id, size] : systemReport_->sizes)
+            out.insert(QString::fromStdString(id), static_cast<qint64>(size));
+    return out;
+}
+
+int AppModel::systemSnapshotCount() const { return systemReport_ ? systemReport_->snapshotCount : 0; }
+
+qint64 AppModel::systemPurgeable() const { return systemReport_ ? systemReport_->purgeable : 0; }
+
+qint64 AppModel::systemMeasuredTotal() const {
+    qint64 sum = 0;
+    if (systemReport_)
+        for (const auto& [id, size] : systemReport_->sizes)
+            sum += size;
+    return sum;
+}
+
+QVariantMap AppModel::categoryInfo(const QString& categoryID) const {
+    const auto found = category(categoryID);
+    return found ? categoryMap(*found) : QVariantMap{};
+}
+
+QString AppModel::commonLocation(const QString& categoryID) const {
+    const auto found = itemsByCategory_.find(categoryID.toStdString());
+    if (found == itemsByCategory_.end())
+        return {};
+    std::optional<std::string> common;
+    for (const ScanItem& item : found->second) {
+        if (item.method.isCommand())
+            continue;
+        const std::string location = item.location();
+        if (!common)
+            common = location;
+        else if (*common != location)
+            return {};
+    }
+    return common ? ItemKey::displayText(*common) : QString();
+}
+
+QString AppModel::firstExistingPath(const QString& entryID) const {
+    const std::string id = entryID.toStdString();
+    for (const SystemDataEntry& entry : SystemDataCatalog::entries()) {
+        if (entry.id != id)
+            continue;
+        for (const std::string& path : entry.expandedPaths()) {
+            struct stat st {};
+            if (::stat(path.c_str(), &st) == 0)
+                return ItemKey::displayText(path);
+        }
+    }
+    return {};
+}
