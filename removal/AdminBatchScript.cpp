@@ -1,0 +1,122 @@
+#include "removal/AdminBatchScript.h"
+
+#include "platform/Paths.h"
+#include "platform/ShellQuote.h"
+
+#include <cstdio>
+#include <ctime>
+
+namespace AdminBatchScript {
+
+namespace {
+
+// Fixed head of the script: DEST is made by the script itself (as the administrator),
+// and every helper reports "OK|key" or "FAIL|key" so one failing item never stops
+// the others.
+constexpr const char* helpers =
+    "mkdir -p \"$DEST\"\n"
+    "mv_item() {\n"
+    "  n=$(basename \"$1\"); t=\"$DEST/$n\"; i=1\n"
+    "  while [ -e \"$t\" ] || [ -L \"$t\" ]; do t=\"$DEST/$n $i\"; i=$((i+1)); done\n"
+    "  if mv \"$1\" \"$t\" 2>/dev/null; then echo \"OK|$2\"; else echo \"FAIL|$2\"; fi\n"
+    "}\n"
+    "rm_item() { if rm -rf \"$1\" 2>/dev/null; then echo \"OK|$2\"; else echo "
+    "\"FAIL|$2\"; fi; }\n"
+    "run_cmd() { if /bin/sh -c \"$1\" >/dev/null 2>&1; then echo \"OK|$2\"; else echo "
+    "\"FAIL|$2\"; fi; }\n";
+
+// Length of the line break starting at `at`, or 0: LF, CR, CRLF, U+2028, U+2029.
+size_t lineBreakLength(std::string_view text, size_t at) {
+    const char c = text[at];
+    if (c == '\n')
+        return 1;
+    if (c == '\r')
+        return at + 1 < text.size() && text[at + 1] == '\n' ? 2 : 1;
+    if (c == '\xE2' && at + 2 < text.size() && text[at + 1] == '\x80' &&
+        (text[at + 2] == '\xA8' || text[at + 2] == '\xA9'))
+        return 3;
+    return 0;
+}
+
+void readAnswerLine(std::string_view line, std::map<std::string, bool>& answers) {
+    if (line.empty())
+        return;
+    const size_t bar = line.find('|');
+    if (bar == std::string_view::npos)
+        return;
+    const std::string_view status = line.substr(0, bar);
+    const std::string_view key = line.substr(bar + 1);
+    // Empty pieces do not count, so "OK|" or "|i0" is one piece and says nothing.
+    if (status.empty() || key.empty())
+        return;
+    answers[std::string(key)] = status == "OK";
+}
+
+} // namespace
+
+std::string destination(const std::string& home, Date localNow) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(localNow).time_since_epoch().count();
+    const std::time_t t = static_cast<std::time_t>(seconds);
+    std::tm local{};
+    ::localtime_r(&t, &local);
+    char stamp[64];
+    std::snprintf(stamp, sizeof stamp, "%04d%02d%02d-%02d%02d%02d", local.tm_year + 1900, local.tm_mon + 1,
+                  local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+    return home + "/.Trash/Veltro-" + stamp;
+}
+
+std::string entryKey(size_t index) {
+    return "i" + std::to_string(index);
+}
+
+bool writesLine(const Cleaner::PrivilegedWork& pair) {
+    if (pair.item.method.isCommand())
+        return true;
+    return pair.item.url && !Cleaner::isRefusedPath(*pair.item.url);
+}
+
+std::string build(const std::string& dest, const std::vector<Cleaner::PrivilegedWork>& work, unsigned uid,
+                  unsigned gid) {
+    std::string script = "#!/bin/sh\n";
+    script += "DEST=" + shellQuote(dest) + "\n";
+    script += helpers;
+    for (size_t k = 0; k < work.size(); ++k) {
+        const Cleaner::PrivilegedWork& pair = work[k];
+        if (!writesLine(pair))
+            continue;
+        if (pair.item.method.isCommand()) {
+            script += "run_cmd " + shellQuote(pair.item.method.command);
+        } else {
+            // The standardized path is the one the safety check judged; for the
+            // canonical paths a scan produces it is the recorded path unchanged, and
+            // it never carries "..", "." or a trailing "/" that would make the root
+            // shell resolve a different file than the one approved.
+            const std::string path = Paths::standardizedPath(*pair.item.url);
+            script += (pair.permanent ? "rm_item " : "mv_item ") + shellQuote(path);
+        }
+        script += " " + entryKey(k) + "\n";
+    }
+    script += "chown -R " + std::to_string(uid) + ":" + std::to_string(gid) + " \"$DEST\" 2>/dev/null\n";
+    script += "rmdir \"$DEST\" 2>/dev/null\n";
+    script += "exit 0\n";
+    return script;
+}
+
+std::map<std::string, bool> parseAnswers(std::string_view output) {
+    std::map<std::string, bool> answers;
+    size_t start = 0;
+    size_t at = 0;
+    while (at < output.size()) {
+        if (const size_t length = lineBreakLength(output, at)) {
+            readAnswerLine(output.substr(start, at - start), answers);
+            at += length;
+            start = at;
+        } else {
+            ++at;
+        }
+    }
+    readAnswerLine(output.substr(start), answers);
+    return answers;
+}
+
+} // namespace AdminBatchScript

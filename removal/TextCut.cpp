@@ -1,0 +1,83 @@
+#include "removal/TextCut.h"
+
+#include <cstdint>
+
+namespace TextCut {
+
+namespace {
+
+bool isContinuation(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+// Length in bytes of the character starting at `at` (a lone or broken byte is 1).
+size_t characterLength(std::string_view text, size_t at) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    size_t length = 1;
+    if (lead >= 0xC2 && lead <= 0xDF)
+        length = 2;
+    else if (lead >= 0xE0 && lead <= 0xEF)
+        length = 3;
+    else if (lead >= 0xF0 && lead <= 0xF4)
+        length = 4;
+    if (at + length > text.size())
+        return 1;
+    for (size_t i = 1; i < length; ++i)
+        if (!isContinuation(text[at + i]))
+            return 1;
+    return length;
+}
+
+uint32_t codePoint(std::string_view text, size_t at, size_t length) {
+    const auto byte = [&](size_t i) {
+        return static_cast<uint32_t>(static_cast<unsigned char>(text[at + i]));
+    };
+    switch (length) {
+    case 2:
+        return ((byte(0) & 0x1F) << 6) | (byte(1) & 0x3F);
+    case 3:
+        return ((byte(0) & 0x0F) << 12) | ((byte(1) & 0x3F) << 6) | (byte(2) & 0x3F);
+    case 4:
+        return ((byte(0) & 0x07) << 18) | ((byte(1) & 0x3F) << 12) | ((byte(2) & 0x3F) << 6) |
+               (byte(3) & 0x3F);
+    default:
+        return byte(0);
+    }
+}
+
+bool isWhiteSpace(uint32_t c) {
+    return (c >= 0x09 && c <= 0x0D) || c == 0x20 || c == 0x85 || c == 0xA0 || c == 0x1680 ||
+           (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||
+           c == 0x3000;
+}
+
+} // namespace
+
+std::string trimmed(std::string_view text) {
+    size_t begin = 0;
+    size_t end = 0; // one past the last character that is not white space
+    bool seenText = false;
+    for (size_t at = 0; at < text.size();) {
+        const size_t length = characterLength(text, at);
+        const bool space = length == 1 && static_cast<unsigned char>(text[at]) >= 0x80
+                               ? false
+                               : isWhiteSpace(codePoint(text, at, length));
+        if (!space) {
+            if (!seenText)
+                begin = at;
+            seenText = true;
+            end = at + length;
+        }
+        at += length;
+    }
+    return seenText ? std::string(text.substr(begin, end - begin)) : std::string();
+}
+
+std::string prefix(std::string_view text, size_t count) {
+    size_t at = 0;
+    for (size_t taken = 0; taken < count && at < text.size(); ++taken)
+        at += characterLength(text, at);
+    return std::string(text.substr(0, at));
+}
+
+} // namespace TextCut

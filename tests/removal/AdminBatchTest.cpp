@@ -1,0 +1,335 @@
+#include "removal/AdminBatchScript.h"
+
+#include "CleanerFixtures.h"
+#include "platform/Environment.h"
+#include "platform/Paths.h"
+#include "platform/ShellQuote.h"
+#include "removal/Cleaner.h"
+#include "removal/Privileged.h"
+#include "support/Unprivileged.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+const std::string sipReason = "Protected by macOS (SIP) or currently in use";
+const std::string cancelReason = "Administrator authentication was cancelled";
+
+Date dateFromEpoch(int64_t seconds) {
+    return Date(std::chrono::seconds(seconds));
+}
+
+std::vector<std::string> veltroFolders(const std::string& trash) {
+    std::vector<std::string> found;
+    for (const std::string& name : entriesOf(trash))
+        if (name.starts_with("Veltro-"))
+            found.push_back(name);
+    return found;
+}
+
+class AdminBatchTest : public CleanerHomeTest {};
+
+} // namespace
+
+TEST(AdminBatchScriptText, DestinationUsesLocalTime) {
+    const Date moment = dateFromEpoch(1736847015); // 2025-01-14 09:30:15 UTC
+    ::setenv("TZ", "UTC0", 1);
+    ::tzset();
+    EXPECT_EQ(AdminBatchScript::destination("/Users/someone", moment),
+              "/Users/someone/.Trash/Veltro-20250114-093015");
+    ::setenv("TZ", "JST-9", 1);
+    ::tzset();
+    EXPECT_EQ(AdminBatchScript::destination("/Users/someone", moment),
+              "/Users/someone/.Trash/Veltro-20250114-183015");
+    ::unsetenv("TZ");
+    ::tzset();
+}
+
+TEST_F(AdminBatchTest, ScriptTextLineByLine) {
+    ScanItem noPath = pathItem("/Users/someone/Library/Caches/gone", RemovalMethod::adminTrash());
+    noPath.url.reset();
+    const std::vector<Cleaner::PrivilegedWork> work = {
+        {pathItem("/Users/someone/Library/Caches/it's", RemovalMethod::trash()), false},
+        {pathItem("/Users/someone/.Trash/old file", RemovalMethod::permanent()), true},
+        {commandItem("cmd.tmutil", "echo 'hi' > /dev/null", true), false},
+        {noPath, false},
+        {pathItem("/usr", RemovalMethod::adminTrash()), false},
+        {pathItem("/Users/someone", RemovalMethod::adminTrash()), false},
+        {pathItem("/Users/someone/Library/Caches/x/../y", RemovalMethod::adminTrash()), false},
+        {pathItem(home.home() + "/Documents", RemovalMethod::permanent()), true},
+    };
+    const std::string expected = R"script(#!/bin/sh
+DEST='/Users/someone/.Trash/Veltro-20250114-093015'
+mkdir -p "$DEST"
+mv_item() {
+  n=$(basename "$1"); t="$DEST/$n"; i=1
+  while [ -e "$t" ] || [ -L "$t" ]; do t="$DEST/$n $i"; i=$((i+1)); done
+  if mv "$1" "$t" 2>/dev/null; then echo "OK|$2"; else echo "FAIL|$2"; fi
+}
+rm_item() { if rm -rf "$1" 2>/dev/null; then echo "OK|$2"; else echo "FAIL|$2"; fi; }
+run_cmd() { if /bin/sh -c "$1" >/dev/null 2>&1; then echo "OK|$2"; else echo "FAIL|$2"; fi; }
+mv_item '/Users/someone/Library/Caches/it'\''s' i0
+rm_item '/Users/someone/.Trash/old file' i1
+run_cmd 'echo '\''hi'\'' > /dev/null' i2
+mv_item '/Users/someone/Library/Caches/y' i6
+chown -R 501:20 "$DEST" 2>/dev/null
+rmdir "$DEST" 2>/dev/null
+exit 0
+)script";
+    EXPECT_EQ(AdminBatchScript::build("/Users/someone/.Trash/Veltro-20250114-093015", work, 501, 20),
+              expected);
+
+    // A destination with a quote is quoted like every other value.
+    const std::string quoted = AdminBatchScript::build("/h/it's/.Trash/Veltro-1", {}, 0, 0);
+    EXPECT_NE(quoted.find("DEST='/h/it'\\''s/.Trash/Veltro-1'\n"), std::string::npos) << quoted;
+}
+
+TEST(AdminBatchScriptText, AnswersSplitAtEveryKindOfLineBreak) {
+    const std::string output = "OK|i0\nFAIL|i1\r\nOK|i2\rOK|i3\xE2\x80\xA8OK|i4\xE2\x80\xA9\n\n\r\n"
+                               "OK|\n|i5\nOK|i6|extra\nok|i7\nOK i8\nOK|i1\nFAIL|i0";
+    const std::map<std::string, bool> expected = {{"i0", false}, {"i1", true}, {"i2", true},
+                                                  {"i3", true},  {"i4", true}, {"i6|extra", true},
+                                                  {"i7", false}};
+    EXPECT_EQ(AdminBatchScript::parseAnswers(output), expected);
+    EXPECT_TRUE(AdminBatchScript::parseAnswers("").empty());
+    EXPECT_TRUE(AdminBatchScript::parseAnswers("\r\n\r\n").empty());
+}
+
+TEST_F(AdminBatchTest, QuotedNameAndSameBaseNamesAreMovedForReal) {
+    const std::string quoted = areaFile("it's/file", "quoted");
+    const std::string first = areaFile("a/dup", "A");
+    const std::string second = areaFile("b/dup", "B");
+    const std::string quotedItem = Paths::parentFolder(quoted);
+
+    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    CleanResult result;
+    result.movedToTrashBytes = 1;
+    Cleaner::runPrivileged({{pathItem(quotedItem, RemovalMethod::adminTrash(), 10), false},
+                            {pathItem(first, RemovalMethod::adminTrash(), 20), false},
+                            {pathItem(second, RemovalMethod::adminTrash()), false}},
+                           result);
+
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_EQ(recorder.calls()[0].prompt, "Veltro needs administrator privileges to clean system files.");
+    EXPECT_EQ(recorder.calls()[0].timeout, 1800);
+    const std::string script = recorder.calls()[0].script;
+    EXPECT_NE(script.find("mv_item '" + area + "/it'\\''s' i0\n"), std::string::npos) << script;
+
+    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
+    ASSERT_EQ(result.succeeded.size(), 3u);
+    EXPECT_EQ(result.movedToTrashBytes, 31); // the unknown size counts 0
+    ASSERT_EQ(result.trashedURLs.size(), 1u);
+    const std::string dest = result.trashedURLs[0];
+    EXPECT_TRUE(dest.starts_with(home.home() + "/.Trash/Veltro-")) << dest;
+    EXPECT_EQ(readFile(dest + "/it's/file"), "quoted");
+    EXPECT_EQ(readFile(dest + "/dup"), "A");
+    EXPECT_EQ(readFile(dest + "/dup 1"), "B");
+    EXPECT_FALSE(exists(quotedItem));
+    EXPECT_FALSE(exists(first));
+    EXPECT_FALSE(exists(second));
+}
+
+TEST_F(AdminBatchTest, DeletionsAndCommandsLeaveNoDestinationBehind) {
+    const std::string doomed = areaFile("doomed/inner", "x");
+    const std::string doomedItem = Paths::parentFolder(doomed);
+    const std::string marker = area + "/command ran";
+    const std::string trash = home.makeDir(".Trash");
+    const std::vector<std::string> before = veltroFolders(trash);
+
+    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    CleanResult result;
+    Cleaner::runPrivileged({{pathItem(doomedItem, RemovalMethod::permanent(), 4096), true},
+                            {commandItem("cmd.touch", "touch " + shellQuote(marker), true), false},
+                            {commandItem("cmd.fail", "exit 3", true), false}},
+                           result);
+
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_FALSE(exists(doomedItem));
+    EXPECT_TRUE(exists(marker));
+    ASSERT_EQ(result.succeeded.size(), 2u);
+    EXPECT_EQ(result.succeeded[0].id, doomedItem);
+    EXPECT_EQ(result.succeeded[1].id, "cmd.touch");
+    ASSERT_EQ(result.failures.size(), 1u);
+    EXPECT_EQ(result.failures[0].item.id, "cmd.fail");
+    EXPECT_EQ(result.failures[0].reason, sipReason);
+    EXPECT_EQ(result.deletedBytes, 4096);
+    EXPECT_EQ(result.movedToTrashBytes, 0);
+    EXPECT_TRUE(result.trashedURLs.empty());
+    EXPECT_EQ(veltroFolders(trash), before);
+}
+
+TEST_F(AdminBatchTest, CarriageReturnAnswersReadLikeLineFeeds) {
+    ScriptRecorder recorder{Shell::Output{0, "OK|i0\rFAIL|i1\r\nOK|i2\r", ""}};
+    CleanResult result;
+    Cleaner::runPrivileged({{pathItem(area + "/one", RemovalMethod::adminTrash(), 5), false},
+                            {pathItem(area + "/two", RemovalMethod::adminTrash(), 7), false},
+                            {pathItem(area + "/three", RemovalMethod::permanent(), 11), true}},
+                           result);
+    ASSERT_EQ(result.succeeded.size(), 2u);
+    EXPECT_EQ(result.succeeded[0].name, "one");
+    EXPECT_EQ(result.succeeded[1].name, "three");
+    ASSERT_EQ(result.failures.size(), 1u);
+    EXPECT_EQ(result.failures[0].item.name, "two");
+    EXPECT_EQ(result.failures[0].reason, sipReason);
+    EXPECT_EQ(result.movedToTrashBytes, 5);
+    EXPECT_EQ(result.deletedBytes, 11);
+    ASSERT_EQ(result.trashedURLs.size(), 1u);
+    EXPECT_TRUE(result.trashedURLs[0].starts_with(home.home() + "/.Trash/Veltro-"));
+}
+
+TEST_F(AdminBatchTest, EveryItemLeftOutStillRunsTheScriptOnce) {
+    const std::string documents = home.makeFile("Documents/keep.txt", "keep");
+    ScanItem noPath = pathItem(area + "/gone", RemovalMethod::adminTrash());
+    noPath.url.reset();
+    const std::vector<Cleaner::PrivilegedWork> work = {
+        {noPath, false},
+        {pathItem(home.home(), RemovalMethod::adminTrash()), false},
+        {pathItem(home.home() + "/Documents", RemovalMethod::permanent()), true},
+        {pathItem("/veltro-absent-folder/item", RemovalMethod::adminTrash()), false},
+    };
+
+    // An answer for a left-out key must not count: only written lines speak.
+    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    CleanResult result;
+    Cleaner::runPrivileged(work, result);
+
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_TRUE(itemLines(recorder.calls()[0].script).empty()) << recorder.calls()[0].script;
+    ASSERT_EQ(result.failures.size(), 4u);
+    for (const CleanFailure& failure : result.failures)
+        EXPECT_EQ(failure.reason, sipReason) << failure.item.id;
+    EXPECT_TRUE(result.succeeded.empty());
+    EXPECT_TRUE(result.trashedURLs.empty());
+    EXPECT_EQ(readFile(documents), "keep");
+}
+
+TEST_F(AdminBatchTest, AnswersForLinesNeverWrittenAreIgnored) {
+    ScriptRecorder recorder{Shell::Output{0, "OK|i0\nOK|i1\n", ""}};
+    CleanResult result;
+    Cleaner::runPrivileged({{pathItem(home.home() + "/Documents", RemovalMethod::adminTrash(), 3), false},
+                            {pathItem(area + "/fine", RemovalMethod::adminTrash(), 4), false}},
+                           result);
+    ASSERT_EQ(result.failures.size(), 1u);
+    EXPECT_EQ(result.failures[0].item.id, home.home() + "/Documents");
+    EXPECT_EQ(result.failures[0].reason, sipReason);
+    ASSERT_EQ(result.succeeded.size(), 1u);
+    EXPECT_EQ(result.movedToTrashBytes, 4);
+}
+
+TEST_F(AdminBatchTest, DismissedDialogFailsEveryItemAndCountsNothing) {
+    const std::string kept = areaFile("kept", "k");
+    ScriptRecorder recorder{
+        Shell::Output{126, "", "-128: Error executing command as another user: Not authorized"}};
+    CleanResult result;
+    result.movedToTrashBytes = 7;
+    result.deletedBytes = 11;
+    result.trashedURLs = {"/earlier"};
+    Cleaner::runPrivileged({{pathItem(kept, RemovalMethod::adminTrash(), 100), false},
+                            {pathItem(area + "/other", RemovalMethod::permanent(), 200), true},
+                            {commandItem("cmd.tmutil", "true", true), false}},
+                           result);
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    ASSERT_EQ(result.failures.size(), 3u);
+    for (const CleanFailure& failure : result.failures)
+        EXPECT_EQ(failure.reason, cancelReason);
+    EXPECT_NE(result.failures[0].id, result.failures[1].id);
+    EXPECT_TRUE(result.succeeded.empty());
+    EXPECT_EQ(result.movedToTrashBytes, 7);
+    EXPECT_EQ(result.deletedBytes, 11);
+    EXPECT_EQ(result.trashedURLs, std::vector<std::string>{"/earlier"});
+    EXPECT_TRUE(exists(kept));
+}
+
+TEST_F(AdminBatchTest, ToolFailureQuotesTheFirst200Characters) {
+    std::string message;
+    for (int i = 0; i < 150; ++i)
+        message += "\xC3\xA9"; // é, two bytes each
+    message += std::string(100, 'x');
+    ScriptRecorder recorder{Shell::Output{1, "OK|i0\n", message}};
+    CleanResult result;
+    Cleaner::runPrivileged({{pathItem(area + "/one", RemovalMethod::adminTrash(), 5), false}}, result);
+    ASSERT_EQ(result.failures.size(), 1u);
+    std::string expected = "Could not run with administrator privileges: ";
+    for (int i = 0; i < 150; ++i)
+        expected += "\xC3\xA9";
+    expected += std::string(50, 'x');
+    EXPECT_EQ(result.failures[0].reason, expected);
+    EXPECT_TRUE(result.succeeded.empty());
+    EXPECT_EQ(result.movedToTrashBytes, 0);
+}
+
+// The batch runs as the administrator, so what it moved must be handed back to the
+// user who started the clean (the real ids), or the user could never empty it.
+TEST_F(AdminBatchTest, MovedItemsBelongToTheRealUserAfterwards) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "needs root to act as the administrator for another real user";
+    const std::string file = areaFile("owned/file", "o");
+    const std::string item = Paths::parentFolder(file);
+    const uid_t user = unprivilegedUid();
+    const gid_t group = unprivilegedGid();
+
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // Real ids of the user, effective root: what the platform tool sees is the
+        // user's process asking for the administrator.
+        if (::setresgid(group, 0, 0) != 0 || ::setresuid(user, 0, 0) != 0)
+            ::_exit(10);
+        Privileged::setAuthorizationTool([](const std::string& path, const std::string&, double timeout) {
+            if (::setresuid(0, 0, 0) != 0 || ::setresgid(0, 0, 0) != 0)
+                return Shell::Output{-1, "", "could not become root"};
+            return Shell::run("/bin/sh " + shellQuote(path), timeout);
+        });
+        CleanResult result;
+        Cleaner::runPrivileged({{pathItem(item, RemovalMethod::adminTrash()), false}}, result);
+        if (result.succeeded.size() != 1 || result.trashedURLs.size() != 1)
+            ::_exit(11);
+        const std::string dest = result.trashedURLs[0];
+        for (const std::string& path : {dest, dest + "/owned", dest + "/owned/file"}) {
+            struct stat st {};
+            if (::lstat(path.c_str(), &st) != 0)
+                ::_exit(12);
+            if (st.st_uid != user || st.st_gid != group)
+                ::_exit(13);
+        }
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+// Created by the script, the Trash folder would belong to the administrator and
+// refuse the user's own later moves; the cleaner makes it first, as the user.
+TEST_F(AdminBatchTest, TrashFolderIsMadeByTheUserBeforeTheBatch) {
+    const std::string trash = home.path(".Trash");
+    removeTreeForcefully(trash);
+    ASSERT_FALSE(exists(trash));
+    ASSERT_EQ(::lchown(home.home().c_str(), unprivilegedUid(), unprivilegedGid()), 0);
+    ASSERT_EQ(::lchown(home.tmp().c_str(), unprivilegedUid(), unprivilegedGid()), 0);
+
+    const std::string item = area + "/item";
+    const int code = runUnprivileged([&] {
+        ScriptRecorder recorder{Shell::Output{126, "", "-128"}};
+        CleanResult result;
+        Cleaner::runPrivileged({{pathItem(item, RemovalMethod::adminTrash()), false}}, result);
+        if (recorder.calls().size() != 1)
+            return 1;
+        if (result.failures.size() != 1 || result.failures[0].reason != cancelReason)
+            return 2;
+        return 0;
+    });
+    EXPECT_EQ(code, 0);
+    struct stat st {};
+    ASSERT_EQ(::lstat(trash.c_str(), &st), 0);
+    EXPECT_TRUE(S_ISDIR(st.st_mode));
+    EXPECT_EQ(st.st_uid, ::geteuid() == 0 ? unprivilegedUid() : ::geteuid());
+    EXPECT_EQ(st.st_mode & 07777, 0700u);
+}

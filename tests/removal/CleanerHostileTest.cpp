@@ -1,0 +1,347 @@
+// Hostile trees: whatever the names and whatever changed between scan and clean,
+// nothing outside the chosen items may change.
+
+#include "removal/Cleaner.h"
+
+#include "CleanerFixtures.h"
+#include "platform/Paths.h"
+#include "platform/ShellQuote.h"
+#include "support/Unprivileged.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <fcntl.h>
+#include <future>
+#include <set>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace {
+
+const std::string sipReason = "Protected by macOS (SIP) or currently in use";
+
+std::vector<std::string> hostileNames() {
+    return {"it's",
+            "say \"hi\"",
+            "back\\slash",
+            "$(touch PWNED)",
+            "`touch PWNED`",
+            "$DEST",
+            "semi;colon & amp | pipe",
+            "new\nline",
+            "\n",
+            "ends in newline\n",
+            "-rf",
+            "--",
+            " leading and trailing ",
+            "*",
+            "bad \xFF\xFE utf8 \xC3",
+            std::string(255, 'n'),
+            std::string(253, 'e') + "\xC3\xA9"};
+}
+
+class CleanerHostileTest : public CleanerHomeTest {
+protected:
+    // Everything in the fake home's tree except the items, the Trash folders the
+    // items go to and the temporary folder that holds helper scripts.
+    std::map<std::string, std::string> snapshotOutside(const std::vector<std::string>& items) const {
+        std::vector<std::string> excluded = items;
+        excluded.push_back(home.home() + "/.Trash");
+        excluded.push_back(home.tmp());
+        return snapshotTree(home.tree().root(), excluded);
+    }
+
+    // One folder per name, holding a file whose content is the name, so a moved item
+    // can be recognised whatever name it ends up with.
+    std::vector<std::string> makeNamedItems(const std::string& folder) const {
+        std::vector<std::string> paths;
+        for (const std::string& name : hostileNames()) {
+            const std::string path = areaDir(folder + "/" + name);
+            areaFile(folder + "/" + name + "/content", name);
+            paths.push_back(path);
+        }
+        return paths;
+    }
+
+    bool injectionRan() const {
+        char cwd[4096];
+        const std::string here = ::getcwd(cwd, sizeof cwd) ? cwd : ".";
+        for (const std::string& folder : {here, home.home(), home.tmp(), area, std::string("/")})
+            if (exists(folder + "/PWNED"))
+                return true;
+        return false;
+    }
+
+    // The names recorded in the "content" file of every entry of `folder`.
+    static std::multiset<std::string> contentsIn(const std::string& folder) {
+        std::multiset<std::string> contents;
+        for (const std::string& name : entriesOf(folder))
+            contents.insert(readFile(folder + "/" + name + "/content"));
+        return contents;
+    }
+};
+
+std::multiset<std::string> allNames() {
+    const std::vector<std::string> names = hostileNames();
+    return {names.begin(), names.end()};
+}
+
+// Runs `body` on another thread and gives up on the whole process when it does not
+// finish in time: a clean that blocks on a FIFO must fail the test, not hang it.
+template <typename Body> auto finishing(Body body) {
+    auto future = std::async(std::launch::async, body);
+    if (future.wait_for(std::chrono::seconds(60)) != std::future_status::ready) {
+        std::fprintf(stderr, "clean did not finish within 60 s\n");
+        std::_Exit(3);
+    }
+    return future.get();
+}
+
+void makeSocket(const std::string& path) {
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_GE(fd, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.size(), sizeof address.sun_path);
+    path.copy(address.sun_path, path.size());
+    ASSERT_EQ(::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ::close(fd);
+}
+
+// A path of `depth` nested folders named "d" below `root`, made through
+// descriptors since the full path is far longer than PATH_MAX.
+void makeDeepTree(const std::string& root, int depth) {
+    int fd = ::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_GE(fd, 0);
+    for (int i = 0; i < depth; ++i) {
+        ASSERT_EQ(::mkdirat(fd, "d", 0755), 0) << "level " << i;
+        const int next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        ::close(fd);
+        ASSERT_GE(next, 0) << "level " << i;
+        fd = next;
+    }
+    const int file = ::openat(fd, "bottom", O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    ASSERT_GE(file, 0);
+    ::close(file);
+    ::close(fd);
+}
+
+} // namespace
+
+TEST_F(CleanerHostileTest, HostileNamesAreTrashedAndDeletedExactly) {
+    const std::vector<std::string> toTrash = makeNamedItems("trash");
+    const std::vector<std::string> toDelete = makeNamedItems("delete");
+    std::vector<ScanItem> items;
+    for (const std::string& path : toTrash)
+        items.push_back(pathItem(path, RemovalMethod::trash(), 4096));
+    for (const std::string& path : toDelete)
+        items.push_back(pathItem(path, RemovalMethod::permanent(), 4096));
+    std::vector<std::string> paths = toTrash;
+    paths.insert(paths.end(), toDelete.begin(), toDelete.end());
+    const auto before = snapshotOutside(paths);
+
+    ScriptRecorder recorder{Shell::Output{1, "", "must not be asked"}};
+    const CleanResult result = Cleaner::clean(items);
+
+    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
+    EXPECT_EQ(result.succeeded.size(), items.size());
+    EXPECT_TRUE(recorder.calls().empty());
+    std::multiset<std::string> trashed;
+    for (const std::string& location : result.trashedURLs)
+        trashed.insert(readFile(location + "/content"));
+    EXPECT_EQ(trashed, allNames());
+    for (const std::string& path : paths)
+        EXPECT_FALSE(exists(path)) << path;
+    EXPECT_EQ(snapshotOutside(paths), before);
+    EXPECT_FALSE(injectionRan());
+}
+
+TEST_F(CleanerHostileTest, HostileNamesPassThroughTheAdministratorBatch) {
+    const std::vector<std::string> toMove = makeNamedItems("move");
+    const std::vector<std::string> toDelete = makeNamedItems("delete");
+    const std::string commandOutput = area + "/command's output";
+    std::vector<Cleaner::PrivilegedWork> work;
+    for (const std::string& path : toMove)
+        work.push_back({pathItem(path, RemovalMethod::adminTrash(), 1), false});
+    for (const std::string& path : toDelete)
+        work.push_back({pathItem(path, RemovalMethod::permanent(), 2), true});
+    work.push_back(
+        {commandItem("cmd.quote", "printf '%s' \"it's \\$HOME\" > " + shellQuote(commandOutput), true),
+         false});
+    std::vector<std::string> paths = toMove;
+    paths.insert(paths.end(), toDelete.begin(), toDelete.end());
+    paths.push_back(commandOutput);
+    const auto before = snapshotOutside(paths);
+
+    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    CleanResult result;
+    Cleaner::runPrivileged(work, result);
+
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
+    EXPECT_EQ(result.succeeded.size(), work.size());
+    ASSERT_EQ(result.trashedURLs.size(), 1u);
+    EXPECT_EQ(contentsIn(result.trashedURLs[0]), allNames());
+    EXPECT_EQ(result.movedToTrashBytes, static_cast<int64_t>(toMove.size()));
+    EXPECT_EQ(result.deletedBytes, static_cast<int64_t>(2 * toDelete.size()));
+    for (const std::string& path : toMove)
+        EXPECT_FALSE(exists(path)) << path;
+    for (const std::string& path : toDelete)
+        EXPECT_FALSE(exists(path)) << path;
+    EXPECT_EQ(readFile(commandOutput), "it's $HOME");
+    EXPECT_EQ(snapshotOutside(paths), before);
+    EXPECT_FALSE(injectionRan());
+}
+
+TEST_F(CleanerHostileTest, ItemSwappedForALinkLosesOnlyTheLink) {
+    const std::string victim = home.tree().makeDir("victim");
+    home.tree().makeFile("victim/precious", "precious");
+    home.tree().makeFile("victim/sub/deeper", "deeper");
+    std::vector<std::string> items;
+    for (const char* name : {"by-trash", "by-delete", "by-admin-move", "by-admin-delete"}) {
+        const std::string path = areaFile(std::string(name) + "/cache", "c");
+        removeTreeForcefully(Paths::parentFolder(path));
+        home.tree().makeSymlink(area.substr(home.tree().root().size() + 1) + "/" + name, victim);
+        items.push_back(Paths::parentFolder(path));
+    }
+    const auto before = snapshotOutside(items);
+
+    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    const CleanResult result = finishing([&] {
+        CleanResult cleaned = Cleaner::clean({pathItem(items[0], RemovalMethod::trash()),
+                                              pathItem(items[1], RemovalMethod::permanent()),
+                                              pathItem(items[2], RemovalMethod::adminTrash())});
+        Cleaner::runPrivileged({{pathItem(items[3], RemovalMethod::permanent()), true}}, cleaned);
+        return cleaned;
+    });
+
+    EXPECT_TRUE(everyReasonIsNonEmpty(result));
+    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
+    for (const std::string& path : items)
+        EXPECT_FALSE(exists(path)) << path;
+    // What went to the Trash is the link itself, still pointing at the victim.
+    ASSERT_EQ(result.trashedURLs.size(), 2u);
+    EXPECT_EQ(typeOf(result.trashedURLs[0]), S_IFLNK);
+    EXPECT_EQ(typeOf(result.trashedURLs[1] + "/by-admin-move"), S_IFLNK);
+    EXPECT_EQ(readFile(victim + "/precious"), "precious");
+    EXPECT_EQ(snapshotOutside(items), before);
+}
+
+TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
+    std::vector<std::string> items;
+    int n = 0;
+    for (const char* name : {"p-trash", "p-delete", "p-admin-move", "p-admin-delete"}) {
+        const std::string victim = home.tree().makeDir("victim-" + std::to_string(n++));
+        home.tree().makeFile(victim.substr(home.tree().root().size() + 1) + "/item/precious", "precious");
+        const std::string item = areaFile(std::string(name) + "/item/cache", "c");
+        removeTreeForcefully(area + "/" + name);
+        home.tree().makeSymlink(area.substr(home.tree().root().size() + 1) + "/" + name, victim);
+        items.push_back(Paths::parentFolder(item));
+    }
+    const auto before = snapshotOutside({home.home() + "/.Trash"});
+
+    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    const CleanResult result = finishing([&] {
+        CleanResult cleaned = Cleaner::clean({pathItem(items[0], RemovalMethod::trash()),
+                                              pathItem(items[1], RemovalMethod::permanent()),
+                                              pathItem(items[2], RemovalMethod::adminTrash())});
+        Cleaner::runPrivileged({{pathItem(items[3], RemovalMethod::permanent()), true}}, cleaned);
+        return cleaned;
+    });
+
+    EXPECT_TRUE(result.succeeded.empty());
+    ASSERT_EQ(result.failures.size(), 4u);
+    EXPECT_TRUE(everyReasonIsNonEmpty(result)) << ::testing::PrintToString(reasonsOf(result));
+    // The batch never gets a line for an item whose parent chain holds a link.
+    ASSERT_EQ(recorder.calls().size(), 2u);
+    for (const ToolCall& call : recorder.calls())
+        EXPECT_TRUE(itemLines(call.script).empty()) << call.script;
+    EXPECT_EQ(result.failures[2].reason, sipReason);
+    EXPECT_EQ(result.failures[3].reason, sipReason);
+    EXPECT_EQ(snapshotOutside({home.home() + "/.Trash"}), before);
+}
+
+TEST_F(CleanerHostileTest, FifosAndSocketsAreRemovedWithoutBlocking) {
+    // Socket addresses hold about 100 bytes, so these items live in a short folder.
+    const std::string shortFolder = home.makeDir("sk");
+    const std::string fifoTrash = home.tree().makeFifo("home/sk/fifo-t");
+    const std::string fifoDelete = home.tree().makeFifo("home/sk/fifo-d");
+    const std::string socketTrash = shortFolder + "/sock-t";
+    const std::string socketDelete = shortFolder + "/sock-d";
+    makeSocket(socketTrash);
+    makeSocket(socketDelete);
+    const std::string folder = home.makeDir("sk/holder");
+    home.tree().makeFifo("home/sk/holder/inner-fifo");
+    makeSocket(folder + "/s");
+    const std::vector<std::string> items = {fifoTrash, fifoDelete, socketTrash, socketDelete, folder};
+    const auto before = snapshotOutside(items);
+
+    const CleanResult result = finishing([&] {
+        return Cleaner::clean({pathItem(fifoTrash, RemovalMethod::trash()),
+                               pathItem(fifoDelete, RemovalMethod::permanent()),
+                               pathItem(socketTrash, RemovalMethod::trash()),
+                               pathItem(socketDelete, RemovalMethod::permanent()),
+                               pathItem(folder, RemovalMethod::permanent())});
+    });
+
+    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
+    EXPECT_EQ(result.succeeded.size(), 5u);
+    ASSERT_EQ(result.trashedURLs.size(), 2u);
+    EXPECT_EQ(typeOf(result.trashedURLs[0]), S_IFIFO);
+    EXPECT_EQ(typeOf(result.trashedURLs[1]), S_IFSOCK);
+    for (const std::string& path : items)
+        EXPECT_FALSE(exists(path)) << path;
+    EXPECT_EQ(snapshotOutside(items), before);
+}
+
+TEST_F(CleanerHostileTest, UnreadableFolderInsideADeletedItem) {
+    chownTree(home.home(), unprivilegedUid(), unprivilegedGid());
+    chownTree(home.tmp(), unprivilegedUid(), unprivilegedGid());
+    const std::string item = areaDir("item");
+    areaFile("item/plain", "p");
+    areaFile("item/locked/secret", "s");
+    chownTree(item, unprivilegedUid(), unprivilegedGid());
+    ASSERT_EQ(::chmod((item + "/locked").c_str(), 0), 0);
+    const auto before = snapshotOutside({item});
+
+    const int code = runUnprivileged([&] {
+        if (::geteuid() == 0)
+            return 20;
+        ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+        const CleanResult result = Cleaner::clean({pathItem(item, RemovalMethod::permanent(), 8192)});
+        if (!everyReasonIsNonEmpty(result))
+            return 1;
+        if (result.succeeded.size() + result.failures.size() != 1)
+            return 2;
+        // The permission error sends the item to the batch, as a deletion.
+        if (recorder.calls().size() != 1)
+            return 3;
+        if (itemLines(recorder.calls()[0].script) !=
+            std::vector<std::string>{"rm_item " + shellQuote(item) + " i0"})
+            return 4;
+        // Without the administrator's rights the batch cannot read the folder either.
+        if (result.failures.size() != 1 || result.failures[0].reason != sipReason)
+            return 5;
+        return 0;
+    });
+    EXPECT_EQ(code, 0);
+    EXPECT_TRUE(exists(item + "/locked"));
+    EXPECT_EQ(snapshotOutside({item}), before);
+}
+
+TEST_F(CleanerHostileTest, TenThousandLevelsDeep) {
+    const std::string deep = areaDir("deep");
+    makeDeepTree(deep, 10000);
+    const auto before = snapshotOutside({deep});
+
+    const CleanResult result =
+        finishing([&] { return Cleaner::clean({pathItem(deep, RemovalMethod::permanent(), 123)}); });
+    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
+    EXPECT_EQ(result.deletedBytes, 123);
+    EXPECT_FALSE(exists(deep));
+    EXPECT_EQ(snapshotOutside({deep}), before);
+}

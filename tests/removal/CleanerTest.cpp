@@ -1,0 +1,343 @@
+#include "removal/Cleaner.h"
+
+#include "CleanerFixtures.h"
+#include "platform/Paths.h"
+#include "platform/ShellQuote.h"
+#include "support/Unprivileged.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+const std::string protectedReason = "Protected system folder — skipped for safety";
+const std::string cancelReason = "Administrator authentication was cancelled";
+
+using ProgressLog = std::vector<std::pair<double, std::string>>;
+
+Cleaner::Progress recordInto(ProgressLog& log) {
+    return [&log](double fraction, const std::string& text) { log.emplace_back(fraction, text); };
+}
+
+class CleanerTest : public CleanerHomeTest {
+protected:
+    // Hands the fake home (and its temporary folder) to the unprivileged user, so a
+    // forked child running as that user can use its Trash and write helper scripts.
+    void giveHomeToUnprivilegedUser() {
+        chownTree(home.home(), unprivilegedUid(), unprivilegedGid());
+        chownTree(home.tmp(), unprivilegedUid(), unprivilegedGid());
+    }
+};
+
+} // namespace
+
+TEST_F(CleanerTest, SafetyCheckRefusesProtectedShallowAndMalformedPaths) {
+    // The root counts as one component: /a/b has three and is refused, /a/b/c is allowed.
+    for (const char* path : {"/", "/usr", "/Library/Caches", "/private/var/log", "/a/b", "/a/b/", "/a//b",
+                             "/a/b/c/..", "/a/b/c/d/../../../../..", "a/b/c/d", "", "."})
+        EXPECT_TRUE(Cleaner::isRefusedPath(path)) << path;
+    EXPECT_TRUE(Cleaner::isRefusedPath(std::string("/a/b/c/d\0/e", 11)));
+    for (const char* path : {"/a/b/c", "/usr/local/share", "/a/b/c/d/../e", "/Library/Caches/com.x"})
+        EXPECT_FALSE(Cleaner::isRefusedPath(path)) << path;
+}
+
+TEST_F(CleanerTest, HomeRelativeSpellingsOfProtectedFoldersAreRefused) {
+    EXPECT_TRUE(Cleaner::isRefusedPath("~"));
+    EXPECT_TRUE(Cleaner::isRefusedPath("~/Documents"));
+    EXPECT_TRUE(Cleaner::isRefusedPath("~/Library/Caches/"));
+    EXPECT_TRUE(Cleaner::isRefusedPath(home.home() + "/Library/Caches/../../Documents"));
+    EXPECT_TRUE(Cleaner::isRefusedPath(home.home() + "/./.Trash"));
+    EXPECT_FALSE(Cleaner::isRefusedPath("~/Library/Caches/app"));
+    // The same protected folder reached through a link in the parent chain.
+    home.tree().makeSymlink("home/Library/Caches/to-home", home.home());
+    EXPECT_TRUE(Cleaner::isRefusedPath(home.home() + "/Library/Caches/to-home/Documents"));
+}
+
+TEST_F(CleanerTest, EmptyListOnlyReportsDone) {
+    ScriptRecorder recorder{Shell::Output{0, "", ""}};
+    ProgressLog progress;
+    const CleanResult result = Cleaner::clean({}, recordInto(progress));
+    EXPECT_EQ(progress, (ProgressLog{{1.0, "Done"}}));
+    EXPECT_TRUE(result.succeeded.empty());
+    EXPECT_TRUE(result.failures.empty());
+    EXPECT_TRUE(result.trashedURLs.empty());
+    EXPECT_EQ(result.movedToTrashBytes, 0);
+    EXPECT_EQ(result.deletedBytes, 0);
+    EXPECT_GT(result.freeBefore, 0);
+    EXPECT_GT(result.freeAfter, 0);
+    EXPECT_TRUE(recorder.calls().empty());
+}
+
+TEST_F(CleanerTest, ProtectedAndShallowPathsNeverReachAnyRemoval) {
+    const std::string documents = home.makeFile("Documents/letter.txt", "dear");
+    const std::string downloads = home.makeFile("Downloads/setup.bin", "bin");
+    const std::string legit = areaFile("legit", "l");
+    const std::vector<ScanItem> items = {
+        pathItem(home.home(), RemovalMethod::trash()),
+        pathItem(home.home() + "/Documents", RemovalMethod::permanent()),
+        pathItem(home.home() + "/.Trash", RemovalMethod::adminTrash()),
+        pathItem("~/Downloads", RemovalMethod::trash()),
+        pathItem(home.home() + "/Library/Caches/..", RemovalMethod::permanent()),
+        pathItem("/veltro-absent-folder/item", RemovalMethod::trash()),
+        pathItem("/veltro-absent-folder/item", RemovalMethod::adminTrash()),
+        pathItem(legit, RemovalMethod::adminTrash()),
+    };
+    ScriptRecorder recorder{Shell::Output{0, "", ""}};
+    const CleanResult result = Cleaner::clean(items);
+
+    ASSERT_EQ(result.failures.size(), 8u) << ::testing::PrintToString(reasonsOf(result));
+    for (size_t i = 0; i + 1 < items.size(); ++i) {
+        EXPECT_EQ(result.failures[i].item, items[i]);
+        EXPECT_EQ(result.failures[i].reason, protectedReason) << items[i].id;
+    }
+    // Only the one legitimate item reached the batch, under the first key.
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_EQ(itemLines(recorder.calls()[0].script),
+              std::vector<std::string>{"mv_item " + shellQuote(legit) + " i0"});
+    EXPECT_EQ(result.failures[7].item.id, legit);
+    EXPECT_TRUE(result.succeeded.empty());
+    EXPECT_EQ(readFile(documents), "dear");
+    EXPECT_EQ(readFile(downloads), "bin");
+    EXPECT_TRUE(exists(legit));
+}
+
+// System folders are tried as an unprivileged user, so that even a broken safety
+// check could not harm them.
+TEST_F(CleanerTest, SystemFoldersAreRefusedWithoutEverAskingForThePassword) {
+    giveHomeToUnprivilegedUser();
+    const int code = runUnprivileged([] {
+        ScriptRecorder recorder{Shell::Output{0, "OK|i0\nOK|i1\nOK|i2\n", ""}};
+        const CleanResult result = Cleaner::clean({pathItem("/usr", RemovalMethod::trash()),
+                                                   pathItem("/usr", RemovalMethod::permanent()),
+                                                   pathItem("/usr/", RemovalMethod::adminTrash()),
+                                                   pathItem("/usr/bin", RemovalMethod::adminTrash())});
+        if (!recorder.calls().empty())
+            return 1;
+        if (result.failures.size() != 4 || !result.succeeded.empty())
+            return 2;
+        for (const CleanFailure& failure : result.failures)
+            if (failure.reason != protectedReason)
+                return 3;
+        return 0;
+    });
+    EXPECT_EQ(code, 0);
+}
+
+TEST_F(CleanerTest, PermissionErrorsGoToTheBatchWithTheirOwnMethod) {
+    giveHomeToUnprivilegedUser();
+    // A folder of root's that the unprivileged user can read but not change.
+    const std::string locked = areaDir("locked");
+    const std::string movable = areaFile("locked/movable", "m");
+    const std::string deletable = areaFile("locked/deletable", "d");
+    chownTree(locked, 0, 0);
+    ASSERT_EQ(::chmod(locked.c_str(), 0755), 0);
+
+    const int code = runUnprivileged([&] {
+        if (::geteuid() == 0)
+            return 20;
+        ScriptRecorder recorder{Shell::Output{126, "", "-128"}};
+        ProgressLog progress;
+        const CleanResult result = Cleaner::clean({pathItem(movable, RemovalMethod::trash(), 10),
+                                                   pathItem(deletable, RemovalMethod::permanent(), 20)},
+                                                  recordInto(progress));
+        if (recorder.calls().size() != 1)
+            return 1;
+        const std::vector<std::string> expected = {"mv_item " + shellQuote(movable) + " i0",
+                                                   "rm_item " + shellQuote(deletable) + " i1"};
+        if (itemLines(recorder.calls()[0].script) != expected)
+            return 2;
+        if (result.failures.size() != 2 || result.failures[0].reason != cancelReason ||
+            result.failures[1].reason != cancelReason)
+            return 3;
+        if (!result.succeeded.empty() || result.movedToTrashBytes != 0 || result.deletedBytes != 0)
+            return 4;
+        const ProgressLog expectedProgress = {{0.0, "movable"},
+                                              {0.5, "deletable"},
+                                              {0.95, "Waiting for administrator password…"},
+                                              {1.0, "Done"}};
+        if (progress != expectedProgress)
+            return 5;
+        return 0;
+    });
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(readFile(movable), "m");
+    EXPECT_EQ(readFile(deletable), "d");
+}
+
+TEST_F(CleanerTest, EachMethodMovesDeletesAndCountsItsBytes) {
+    const std::string toTrash = areaFile("to-trash/inside", "trash me");
+    const std::string toDelete = areaFile("to-delete/inside", "delete me");
+    const std::string unknownSize = areaFile("unknown-size", "?");
+    ScanItem trashWithoutPath = pathItem(area + "/nothing", RemovalMethod::trash(), 1000);
+    trashWithoutPath.url.reset();
+    ScanItem permanentWithoutPath = pathItem(area + "/nothing", RemovalMethod::permanent(), 1000);
+    permanentWithoutPath.url.reset();
+    const ScanItem missing = pathItem(area + "/missing", RemovalMethod::trash(), 1000);
+    // Non-canonical spellings are acted on in the standardized form that was judged.
+    const std::string spelled = areaFile("spelled", "s");
+    const std::string tilde = areaFile("tilde", "t");
+    const std::string spelledURL = area + "//./spelled/";
+    const std::string tildeURL = "~" + tilde.substr(home.home().size());
+
+    ScriptRecorder recorder{Shell::Output{0, "", ""}};
+    const CleanResult result = Cleaner::clean({
+        pathItem(Paths::parentFolder(toTrash), RemovalMethod::trash(), 100),
+        trashWithoutPath,
+        pathItem(Paths::parentFolder(toDelete), RemovalMethod::permanent(), 200),
+        permanentWithoutPath,
+        pathItem(unknownSize, RemovalMethod::trash()),
+        missing,
+        pathItem(spelledURL, RemovalMethod::permanent(), 1),
+        pathItem(tildeURL, RemovalMethod::trash(), 2),
+    });
+
+    EXPECT_TRUE(recorder.calls().empty());
+    ASSERT_EQ(result.succeeded.size(), 5u) << ::testing::PrintToString(reasonsOf(result));
+    EXPECT_EQ(result.succeeded[0].name, "to-trash");
+    EXPECT_EQ(result.succeeded[1].name, "to-delete");
+    EXPECT_EQ(result.succeeded[2].name, "unknown-size");
+    EXPECT_EQ(result.succeeded[3].url, spelledURL);
+    EXPECT_EQ(result.succeeded[4].url, tildeURL);
+    EXPECT_FALSE(exists(spelled));
+    EXPECT_FALSE(exists(tilde));
+    EXPECT_EQ(result.movedToTrashBytes, 100 + 2);
+    EXPECT_EQ(result.deletedBytes, 200 + 1);
+    ASSERT_EQ(result.trashedURLs.size(), 3u);
+    EXPECT_EQ(readFile(result.trashedURLs[2]), "t");
+    EXPECT_EQ(Paths::parentFolder(result.trashedURLs[0]), home.home() + "/.Trash");
+    EXPECT_EQ(readFile(result.trashedURLs[0] + "/inside"), "trash me");
+    EXPECT_EQ(readFile(result.trashedURLs[1]), "?");
+    EXPECT_FALSE(exists(Paths::parentFolder(toTrash)));
+    EXPECT_FALSE(exists(Paths::parentFolder(toDelete)));
+    // Items without a path leave no trace; a vanished item fails with the system's words.
+    ASSERT_EQ(result.failures.size(), 1u);
+    EXPECT_EQ(result.failures[0].item, missing);
+    EXPECT_EQ(result.failures[0].reason, "No such file or directory");
+}
+
+TEST_F(CleanerTest, CommandsReportTheirTrimmedErrorOrExitStatus) {
+    const std::string marker = area + "/ran";
+    std::string multibyte = "printf '\\n\\t  ";
+    multibyte += std::string(299, 'a') + "\xC3\xA9\xC3\xBC  \\n' >&2; exit 1";
+    const CleanResult result = Cleaner::clean({
+        commandItem("cmd.ok", "touch " + shellQuote(marker), false),
+        commandItem("cmd.exit", "exit 2", false),
+        commandItem("cmd.long", "printf '%1000s' '' | tr ' ' x >&2; exit 1", false),
+        commandItem("cmd.trim", "printf '\\n\\t boom  \\r\\n' >&2; exit 5", false),
+        commandItem("cmd.utf8", multibyte, false),
+    });
+    ASSERT_EQ(result.succeeded.size(), 1u);
+    EXPECT_EQ(result.succeeded[0].id, "cmd.ok");
+    EXPECT_TRUE(exists(marker));
+    EXPECT_EQ(result.movedToTrashBytes, 0);
+    EXPECT_EQ(result.deletedBytes, 0);
+    ASSERT_EQ(result.failures.size(), 4u);
+    EXPECT_EQ(result.failures[0].reason, "exit 2");
+    EXPECT_EQ(result.failures[1].reason, std::string(300, 'x'));
+    EXPECT_EQ(result.failures[2].reason, "boom");
+    EXPECT_EQ(result.failures[3].reason, std::string(299, 'a') + "\xC3\xA9");
+}
+
+TEST_F(CleanerTest, ProgressNamesEachItemThenThePasswordWaitThenDone) {
+    const std::string a = areaFile("alpha", "a");
+    const std::string b = areaFile("beta", "bb");
+    const std::string c = areaFile("gamma", "ccc");
+    ScriptRecorder recorder{Shell::Output{0, "OK|i0\n", ""}};
+    ProgressLog progress;
+    const CleanResult result =
+        Cleaner::clean({pathItem(a, RemovalMethod::trash(), 1), pathItem(b, RemovalMethod::trash(), 2),
+                        pathItem(c, RemovalMethod::permanent(), 3),
+                        pathItem(area + "/system thing", RemovalMethod::adminTrash(), 4)},
+                       recordInto(progress));
+    const ProgressLog expected = {{0.0, "alpha"},
+                                  {0.25, "beta"},
+                                  {0.5, "gamma"},
+                                  {0.75, "system thing"},
+                                  {0.95, "Waiting for administrator password…"},
+                                  {1.0, "Done"}};
+    EXPECT_EQ(progress, expected);
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_EQ(result.succeeded.size(), 4u);
+    EXPECT_EQ(result.movedToTrashBytes, 1 + 2 + 4);
+    EXPECT_EQ(result.deletedBytes, 3);
+    // Two moves of its own, then the batch's dated folder once.
+    ASSERT_EQ(result.trashedURLs.size(), 3u);
+    EXPECT_TRUE(Paths::lastComponent(result.trashedURLs[2]).starts_with("Veltro-"));
+
+    // Without administrator work there is no password step.
+    progress.clear();
+    Cleaner::clean({pathItem(area + "/absent", RemovalMethod::trash())}, recordInto(progress));
+    EXPECT_EQ(progress, (ProgressLog{{0.0, "absent"}, {1.0, "Done"}}));
+    EXPECT_EQ(recorder.calls().size(), 1u);
+}
+
+TEST_F(CleanerTest, PurgeDeletesOnlyInsideTrashFolders) {
+    const std::string outside = areaFile("outside", "stay");
+    const std::string inTrash = home.makeFile(".Trash/old", "old");
+    const std::string inTrashes = home.makeFile("Volume/.Trashes/0/older", "older");
+    const std::string documents = home.makeFile("Documents/keep", "keep");
+    const std::string trashKeep = home.makeFile(".Trash/keep", "keep");
+
+    const Cleaner::PurgeResult result = Cleaner::purge({
+        outside,
+        inTrash,
+        inTrashes,
+        home.home() + "/.Trash/../Documents",
+        home.home() + "/.Trash/",
+        home.home() + "/.Trash/absent",
+    });
+    EXPECT_EQ(result.failed, 4);
+    EXPECT_GE(result.freed, 0);
+    EXPECT_EQ(readFile(outside), "stay");
+    EXPECT_FALSE(exists(inTrash));
+    EXPECT_FALSE(exists(inTrashes));
+    EXPECT_EQ(readFile(documents), "keep");
+    EXPECT_EQ(readFile(trashKeep), "keep");
+}
+
+// Free space is shared with everything else on the volume: when it shrinks while
+// the purge runs, nothing was freed, and the figure never turns negative.
+TEST_F(CleanerTest, PurgeNeverReportsNegativeFreedSpace) {
+    bool observed = false;
+    for (int attempt = 0; attempt < 3 && !observed; ++attempt) {
+        const std::string first = home.makeFile(".Trash/first-" + std::to_string(attempt), "1");
+        const std::string bulky = home.makeDir(".Trash/bulky-" + std::to_string(attempt));
+        const int files = 20000 << attempt;
+        for (int i = 0; i < files; ++i) {
+            const std::string path = bulky + "/f" + std::to_string(i);
+            const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+            ASSERT_GE(fd, 0);
+            ASSERT_EQ(::write(fd, "x", 1), 1);
+            ::close(fd);
+        }
+        const std::string filler = area + "/filler-" + std::to_string(attempt);
+        std::atomic<bool> purgeDone{false};
+        std::atomic<int> fillerState{0}; // 1: allocated while the purge ran, 2: too late
+        std::thread writer([&] {
+            while (exists(first) && !purgeDone)
+                std::this_thread::yield();
+            const int fd = ::open(filler.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+            const bool allocated = fd >= 0 && ::posix_fallocate(fd, 0, int64_t(512) << 20) == 0;
+            if (fd >= 0)
+                ::close(fd);
+            fillerState = allocated && !purgeDone ? 1 : 2;
+        });
+        const Cleaner::PurgeResult result = Cleaner::purge({first, bulky});
+        purgeDone = true;
+        writer.join();
+        ::unlink(filler.c_str());
+        EXPECT_EQ(result.failed, 0);
+        EXPECT_GE(result.freed, 0);
+        if (fillerState == 1) {
+            observed = true;
+            EXPECT_EQ(result.freed, 0);
+        }
+    }
+    EXPECT_TRUE(observed) << "the volume never shrank while a purge ran";
+}
