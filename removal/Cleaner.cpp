@@ -15,11 +15,14 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <optional>
+#include <set>
+#include <string>
 #include <sys/stat.h>
+#include <vector>
 
 namespace Cleaner {
 

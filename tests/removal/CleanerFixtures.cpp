@@ -23,6 +23,9 @@ void CleanerHomeTest::SetUp() {
         GTEST_SKIP() << "the home folder was read earlier in this process; run this test on its own";
     const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
     area = home.makeDir(std::string("Library/Caches/") + info->test_suite_name() + "." + info->name());
+    // Every test starts with an empty Trash, so dated batch folders of earlier tests
+    // in the same second cannot mix with its own.
+    removeTreeForcefully(home.path(".Trash"));
 }
 
 void CleanerHomeTest::TearDown() {

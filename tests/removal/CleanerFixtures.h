@@ -23,8 +23,8 @@ FakeHome& cleanerHome();
 
 // Base fixture: skips when another suite of this process read the home folder first
 // (ctest runs each test alone, where that never happens), gives the test a folder of
-// its own, `area`, below ~/Library/Caches, and restores the platform's
-// authorisation tool afterwards.
+// its own, `area`, below ~/Library/Caches, and an empty Trash, and restores the
+// platform's authorisation tool afterwards.
 class CleanerHomeTest : public ::testing::Test {
 protected:
     void SetUp() override;
