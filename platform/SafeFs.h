@@ -37,6 +37,9 @@ int openParent(const std::string& path, Dir& dir, std::string& name);
 // by descriptors (openat/unlinkat, no recursion, no path strings), never following
 // a link and never entering another file system. Returns 0 or the first errno met
 // (deletion continues past failures so as much as possible goes).
+// A link named `name` is removed as a link, its target untouched. A folder that
+// cannot be read stays (EACCES); a mount point inside, or `name` itself being one,
+// is left alone with what is mounted on it (EBUSY).
 int removeTree(int parentFd, const std::string& name);
 
 // Deletes the item at an absolute path: openParent + removeTree.

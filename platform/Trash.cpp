@@ -192,11 +192,16 @@ int trashFolderFor(const std::string& path, std::string& folder) {
 }
 
 std::string freeName(int folderFd, const std::string& name) {
-    for (unsigned number = 0;; ++number) {
-        std::string tried = candidate(name, number);
+    // The bound only matters on a file system that claims every name exists; the
+    // rename then refuses to replace and reports it.
+    constexpr unsigned kMaxNumber = 100000;
+    std::string tried;
+    for (unsigned number = 0; number <= kMaxNumber; ++number) {
+        tried = candidate(name, number);
         if (!isTaken(folderFd, tried))
-            return tried;
+            break;
     }
+    return tried;
 }
 
 MoveResult moveToTrash(const std::string& path) {
