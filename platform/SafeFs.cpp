@@ -210,7 +210,8 @@ bool TreeRemover::push(const std::string& name, int fd, const MountIdentity& ide
         errno = error;
         return false;
     }
-    if (openStreams_ == kMaxOpenStreams) {
+    // A frame reopened for a rescan may have left one stream over the bound.
+    while (openStreams_ >= kMaxOpenStreams) {
         Frame& oldest = stack_[stack_.size() - openStreams_];
         ::closedir(oldest.stream);
         oldest.stream = nullptr;
