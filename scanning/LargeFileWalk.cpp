@@ -1,0 +1,374 @@
+#include "scanning/LargeFileWalk.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <cstdlib>
+#include <deque>
+#include <dirent.h>
+#include <fcntl.h>
+#include <mutex>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+#include <variant>
+
+namespace {
+
+constexpr size_t direntBufferSize = 32 * 1024;
+
+// Folders deeper than this below the root are passed over like unreadable ones;
+// it bounds the descriptors one walking thread holds open.
+constexpr size_t maxDepth = 256;
+
+constexpr uint64_t cancellationInterval = 5000;
+
+// Directories that are one item to the user and are never entered.
+constexpr std::array<std::string_view, 23> packageExtensions{
+    "app",       "appex",         "bundle",       "framework",    "plugin",      "kext",
+    "xpc",       "photoslibrary", "photolibrary", "musiclibrary", "tvlibrary",   "imovielibrary",
+    "fcpbundle", "logicx",        "band",         "rtfd",         "pkg",         "mpkg",
+    "xcarchive", "xcodeproj",     "xcworkspace",  "playground",   "sparsebundle"};
+
+char asciiLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isPackageName(std::string_view name) {
+    const size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0 || dot + 1 == name.size())
+        return false;
+    const std::string_view extension = name.substr(dot + 1);
+    return std::any_of(packageExtensions.begin(), packageExtensions.end(),
+                       [extension](std::string_view known) {
+                           return extension.size() == known.size() &&
+                                  std::equal(extension.begin(), extension.end(), known.begin(),
+                                             [](char a, char b) { return asciiLower(a) == b; });
+                       });
+}
+
+Date dateOf(const struct timespec& time) {
+    return Date(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+}
+
+bool isBelow(const std::string& path, std::string_view folder) {
+    return path.size() > folder.size() && path.starts_with(folder) && path[folder.size()] == '/';
+}
+
+} // namespace
+
+// One folder walked by one thread, with everything found below it in order.
+struct LargeFileWalk::Task {
+    int fd = -1; // open until the task is walked
+    dev_t device = 0;
+    std::vector<ino_t> chain; // the folders from the root down to this one
+    std::string path;         // canonical
+    bool mayHoldSkipped = false;
+    const std::vector<std::string>* skip = nullptr; // canonical skip paths of the root
+    // A hit, or a subfolder handed to another thread, at the position the
+    // sequential walk would have met it.
+    std::vector<std::variant<LargeFile, Task*>> pieces;
+};
+
+struct LargeFileWalk::Shared {
+    Shared(int64_t threshold_, const Claims& claims_, std::stop_token stop_)
+        : threshold(threshold_), claims(claims_), stop(std::move(stop_)) {}
+
+    const int64_t threshold;
+    const Claims& claims;
+    const std::stop_token stop;
+    std::atomic<bool> stopped{false};
+    std::atomic<size_t> idle{0};
+
+    std::mutex mutex; // guards everything below
+    std::condition_variable wake;
+    std::deque<Task*> queue;
+    size_t unfinished = 0; // queued or being walked
+    std::deque<std::unique_ptr<Task>> tasks;
+    std::deque<std::vector<std::string>> skipLists;
+
+    Task& newTask() { return *tasks.emplace_back(std::make_unique<Task>()); }
+};
+
+// The per-thread walking state: a stack of open folders, one getdents buffer per
+// depth (reused from task to task) and the path of the entry at hand.
+class LargeFileWalk::Walker {
+public:
+    explicit Walker(Shared& shared) : shared_(shared) {}
+    ~Walker() { closeAll(); }
+    Walker(const Walker&) = delete;
+    Walker& operator=(const Walker&) = delete;
+
+    // Takes tasks until every one is done.
+    void work() {
+        std::unique_lock lock(shared_.mutex);
+        while (true) {
+            if (!shared_.queue.empty()) {
+                Task* task = shared_.queue.front();
+                shared_.queue.pop_front();
+                lock.unlock();
+                walk(*task);
+                lock.lock();
+                if (--shared_.unfinished == 0)
+                    shared_.wake.notify_all();
+            } else if (shared_.unfinished == 0) {
+                return;
+            } else {
+                ++shared_.idle;
+                shared_.wake.wait(lock);
+                --shared_.idle;
+            }
+        }
+    }
+
+private:
+    struct Frame {
+        int fd = -1;
+        ino_t inode = 0;
+        size_t pathLength = 0;
+        size_t position = 0;
+        size_t end = 0;
+        bool mayHoldSkipped = false; // some skip path lies below this folder
+    };
+
+    void walk(Task& task) {
+        const int fd = std::exchange(task.fd, -1);
+        if (shared_.stopped.load(std::memory_order_relaxed)) {
+            ::close(fd);
+            return;
+        }
+        task_ = &task;
+        path_ = task.path;
+        stack_.push_back(Frame{fd, task.chain.back(), path_.size(), 0, 0, task.mayHoldSkipped});
+        while (!stack_.empty()) {
+            if (!step()) {
+                shared_.stopped = true;
+                closeAll();
+                break;
+            }
+        }
+        task.chain = {};
+        task_ = nullptr;
+    }
+
+    // Handles one entry of the innermost folder, or finishes that folder. False
+    // when the walk has to stop.
+    bool step() {
+        const size_t depth = stack_.size() - 1;
+        if (buffers_.size() <= depth)
+            buffers_.push_back(std::make_unique_for_overwrite<char[]>(direntBufferSize));
+        char* buffer = buffers_[depth].get();
+        Frame& frame = stack_.back();
+        if (frame.position >= frame.end) {
+            const long count = ::syscall(SYS_getdents64, frame.fd, buffer, direntBufferSize);
+            if (count <= 0) {
+                ::close(frame.fd);
+                stack_.pop_back();
+                return true;
+            }
+            frame.position = 0;
+            frame.end = static_cast<size_t>(count);
+        }
+        const auto* entry = reinterpret_cast<const dirent64*>(buffer + frame.position);
+        frame.position += entry->d_reclen;
+        const char* name = entry->d_name;
+        if (name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0')))
+            return true;
+
+        if (++counter_ % cancellationInterval == 0 &&
+            (shared_.stopped.load(std::memory_order_relaxed) || shared_.stop.stop_requested()))
+            return false;
+
+        path_.resize(frame.pathLength);
+        path_.push_back('/');
+        path_.append(name);
+        if (frame.mayHoldSkipped &&
+            std::find(task_->skip->begin(), task_->skip->end(), path_) != task_->skip->end())
+            return true;
+
+        unsigned char type = entry->d_type;
+        struct stat st {};
+        bool haveStat = false;
+        if (type == DT_UNKNOWN) {
+            if (::fstatat(frame.fd, name, &st, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0)
+                return true;
+            type = IFTODT(st.st_mode);
+            haveStat = true;
+        }
+        if (type == DT_REG) {
+            if (!haveStat && ::fstatat(frame.fd, name, &st, AT_SYMLINK_NOFOLLOW) != 0)
+                return true;
+            if (S_ISREG(st.st_mode))
+                consider(st);
+        } else if (type == DT_DIR) {
+            enter(frame.fd, frame.mayHoldSkipped, name, st, haveStat);
+        }
+        // Links and special files are never reported.
+        return true;
+    }
+
+    void consider(const struct stat& st) {
+        if (static_cast<int64_t>(st.st_blocks) * 512 < shared_.threshold)
+            return;
+        // The folders above were checked on the way down; only the file itself is left.
+        if (shared_.claims.set().contains(path_))
+            return;
+        task_->pieces.emplace_back(LargeFile{path_, dateOf(st.st_mtim), std::nullopt});
+    }
+
+    void enter(int parentFd, bool parentMayHoldSkipped, const char* name, struct stat st, bool haveStat) {
+        if (isPackageName(name) || task_->chain.size() + stack_.size() > maxDepth)
+            return;
+        if (!haveStat && ::fstatat(parentFd, name, &st, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0)
+            return;
+        // Another volume mounted here is not walked, nor a folder already on the way
+        // down (a bind mount can make a tree contain itself). A claimed folder holds
+        // nothing that could be reported.
+        if (!S_ISDIR(st.st_mode) || st.st_dev != task_->device || isOnChain(st.st_ino) ||
+            shared_.claims.set().contains(path_))
+            return;
+        const int fd = ::openat(parentFd, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+        if (fd < 0)
+            return;
+        const bool mayHoldSkipped =
+            parentMayHoldSkipped &&
+            std::any_of(task_->skip->begin(), task_->skip->end(),
+                        [this](const std::string& skipped) { return isBelow(skipped, path_); });
+        // A folder without subfolders (a link count of 2) is rarely worth a thread.
+        if (st.st_nlink != 2 && shared_.idle.load(std::memory_order_relaxed) > 0 &&
+            handOver(fd, st, mayHoldSkipped))
+            return;
+        stack_.push_back(Frame{fd, st.st_ino, path_.size(), 0, 0, mayHoldSkipped});
+    }
+
+    // Queues the folder as a task of its own when a thread is waiting for one.
+    bool handOver(int fd, const struct stat& st, bool mayHoldSkipped) {
+        std::lock_guard lock(shared_.mutex);
+        if (shared_.queue.size() >= shared_.idle.load())
+            return false;
+        Task& task = shared_.newTask();
+        task.fd = fd;
+        task.device = st.st_dev;
+        task.chain.reserve(task_->chain.size() + stack_.size() + 1);
+        task.chain = task_->chain;
+        for (const Frame& frame : stack_)
+            task.chain.push_back(frame.inode);
+        task.chain.push_back(st.st_ino);
+        task.path = path_;
+        task.mayHoldSkipped = mayHoldSkipped;
+        task.skip = task_->skip;
+        task_->pieces.emplace_back(&task);
+        shared_.queue.push_back(&task);
+        ++shared_.unfinished;
+        shared_.wake.notify_one();
+        return true;
+    }
+
+    bool isOnChain(ino_t inode) const {
+        return std::any_of(stack_.begin(), stack_.end(),
+                           [inode](const Frame& frame) { return frame.inode == inode; }) ||
+               std::find(task_->chain.begin(), task_->chain.end(), inode) != task_->chain.end();
+    }
+
+    void closeAll() {
+        for (const Frame& frame : stack_)
+            ::close(frame.fd);
+        stack_.clear();
+    }
+
+    Shared& shared_;
+    Task* task_ = nullptr;
+    std::string path_; // canonical path of the entry at hand
+    std::vector<Frame> stack_;
+    std::vector<std::unique_ptr<char[]>> buffers_;
+    uint64_t counter_ = 0;
+};
+
+LargeFileWalk::LargeFileWalk(int64_t threshold, const Claims& claims, std::stop_token stop)
+    : shared_(std::make_unique<Shared>(threshold, claims, std::move(stop))) {}
+
+LargeFileWalk::~LargeFileWalk() {
+    for (const auto& task : shared_->tasks)
+        if (task->fd >= 0)
+            ::close(task->fd);
+}
+
+void LargeFileWalk::addRoot(const std::string& root, const std::vector<std::string>& skip) {
+    const int fd = ::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return;
+    struct stat st {};
+    char* resolved = ::realpath(root.c_str(), nullptr);
+    if (!resolved || ::fstat(fd, &st) != 0) {
+        std::free(resolved);
+        ::close(fd);
+        return;
+    }
+    // The hits carry canonical paths, like the scanner's items: nothing below the
+    // root is a link, so only the root itself needs resolving.
+    std::string canonical = resolved;
+    std::free(resolved);
+    if (shared_->claims.isCovered(canonical)) {
+        ::close(fd);
+        return;
+    }
+    if (canonical == "/")
+        canonical.clear();
+
+    // The skip paths are spelled as the walk meets them below the root as given;
+    // carry them over to the canonical spelling the walk builds.
+    const std::string given = root == "/" ? std::string() : root;
+    std::vector<std::string>& translated = shared_->skipLists.emplace_back();
+    for (const std::string& skipped : skip)
+        if (isBelow(skipped, given))
+            translated.push_back(canonical + skipped.substr(given.size()));
+
+    Task& task = shared_->newTask();
+    task.fd = fd;
+    task.device = st.st_dev;
+    task.chain = {st.st_ino};
+    task.path = canonical;
+    task.skip = &translated;
+    task.mayHoldSkipped = !translated.empty();
+    roots_.push_back(&task);
+    shared_->queue.push_back(&task);
+    ++shared_->unfinished;
+}
+
+std::vector<LargeFile> LargeFileWalk::run() {
+    if (!roots_.empty()) {
+        // Beyond two threads per core the walk only queues more on the disk.
+        const size_t threads = std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4);
+        std::vector<std::jthread> workers;
+        try {
+            for (size_t i = 0; i < threads; ++i)
+                workers.emplace_back([this] { Walker(*shared_).work(); });
+        } catch (const std::system_error&) {
+            if (workers.empty())
+                Walker(*shared_).work();
+        }
+    }
+
+    // Stitch the tasks together along their placeholders.
+    std::vector<LargeFile> hits;
+    for (Task* root : roots_) {
+        std::vector<std::pair<Task*, size_t>> open{{root, 0}};
+        while (!open.empty()) {
+            auto& [task, next] = open.back();
+            if (next == task->pieces.size()) {
+                open.pop_back();
+                continue;
+            }
+            auto& piece = task->pieces[next++];
+            if (auto* hit = std::get_if<LargeFile>(&piece))
+                hits.push_back(std::move(*hit));
+            else
+                open.emplace_back(std::get<Task*>(piece), 0);
+        }
+    }
+    return hits;
+}
