@@ -24,21 +24,9 @@ namespace {
 // not split any further.
 constexpr int maxSplitDepth = 4;
 
-void report(const ScanEventSink& events, ScanEvent::Status status) {
+template <typename Event> void report(const ScanEventSink& events, Event event) {
     if (events)
-        events(ScanEvent{std::move(status)});
-}
-void report(const ScanEventSink& events, ScanEvent::CategoryStarted started) {
-    if (events)
-        events(ScanEvent{std::move(started)});
-}
-void report(const ScanEventSink& events, ScanEvent::CategoryFinished finished) {
-    if (events)
-        events(ScanEvent{std::move(finished)});
-}
-void report(const ScanEventSink& events, double progress) {
-    if (events)
-        events(ScanEvent{ScanEvent::Progress{progress}});
+        events(ScanEvent{std::move(event)});
 }
 
 bool isDirectoryNoFollow(const std::string& path) {
@@ -214,7 +202,7 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
         report(events,
                ScanEvent::CategoryStarted{category.id, static_cast<int>(i + 1), static_cast<int>(count)});
         report(events, ScanEvent::Status{localizedFormat("Scanning %1\u2026", {category.title})});
-        report(events, position / n);
+        report(events, ScanEvent::Progress{position / n});
 
         std::vector<Candidate> candidates = std::move(collection.candidates[category.id]);
         if (category.group == CategoryGroup::large) {
@@ -230,7 +218,8 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
         std::vector<ScanItem> measured = Measurement::measure(
             candidates,
             [&](size_t done, size_t total) {
-                report(events, (position + static_cast<double>(done) / static_cast<double>(total)) / n);
+                report(events, ScanEvent::Progress{
+                                   (position + static_cast<double>(done) / static_cast<double>(total)) / n});
             },
             stop);
         // A category whose measurement saw the stop may hold partial sizes and a partial
@@ -242,7 +231,7 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
         result.insert(result.end(), list.begin(), list.end());
         report(events, ScanEvent::CategoryFinished{category.id, std::move(list)});
     }
-    report(events, 1.0);
+    report(events, ScanEvent::Progress{1.0});
     return result;
 }
 
