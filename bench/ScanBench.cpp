@@ -300,6 +300,7 @@ std::string withSeparators(int64_t value) {
 
 struct ChildRun {
     double seconds = -1;
+    double cpuSeconds = 0; // user + system time of the child
     long maxRssKiB = 0;
     std::string output;
 };
@@ -349,6 +350,8 @@ ChildRun runChild(std::vector<std::string> arguments, const std::vector<std::str
         return run;
     run.seconds = seconds(std::chrono::steady_clock::now() - start);
     run.maxRssKiB = usage.ru_maxrss;
+    run.cpuSeconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                     static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
     return run;
 }
 
@@ -456,7 +459,7 @@ int main(int argc, char** argv) {
     std::printf("%s", warmScan.output.c_str());
     std::printf("du -sk: %s", warmDu.output.c_str());
 
-    std::vector<double> scanTimes, duTimes, ratios;
+    std::vector<double> scanTimes, duTimes, ratios, scanCpu, duCpu;
     long peakKiB = warmScan.maxRssKiB;
     for (int run = 0; run < runs; ++run) {
         const ChildRun a = scan();
@@ -468,10 +471,13 @@ int main(int argc, char** argv) {
         scanTimes.push_back(a.seconds);
         duTimes.push_back(b.seconds);
         ratios.push_back(a.seconds / b.seconds);
+        scanCpu.push_back(a.cpuSeconds);
+        duCpu.push_back(b.cpuSeconds);
         peakKiB = std::max(peakKiB, a.maxRssKiB);
-        std::printf("run %d: scan %.3f s (%s), du %.3f s, ratio %.3f, scan peak RSS %.1f MB\n", run + 1,
-                    a.seconds, a.output.substr(0, a.output.find('\n')).c_str(), b.seconds,
-                    a.seconds / b.seconds, static_cast<double>(a.maxRssKiB) / 1024);
+        std::printf(
+            "run %d: scan %.3f s (cpu %.3f s; %s), du %.3f s (cpu %.3f s), ratio %.3f, peak RSS %.1f MB\n",
+            run + 1, a.seconds, a.cpuSeconds, a.output.substr(0, a.output.find('\n')).c_str(), b.seconds,
+            b.cpuSeconds, a.seconds / b.seconds, static_cast<double>(a.maxRssKiB) / 1024);
     }
     const double scanMedian = median(scanTimes);
     const double duMedian = median(duTimes);
@@ -481,6 +487,8 @@ int main(int argc, char** argv) {
     std::printf("ratio scan/du: median of runs %.3f, of medians %.3f (target <= 1.2, aim 0.8)\n",
                 median(ratios), scanMedian / duMedian);
     std::printf("ratio without the command probes: %.3f\n", (scanMedian - probes) / duMedian);
+    std::printf("processor time (user + system), medians: scan %.3f s, du %.3f s, ratio %.3f\n",
+                median(scanCpu), median(duCpu), median(scanCpu) / median(duCpu));
     std::printf("scan peak RSS: %.1f MB (target <= 64 MB)\n", static_cast<double>(peakKiB) / 1024);
     return 0;
 }
