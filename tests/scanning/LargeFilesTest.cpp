@@ -256,3 +256,13 @@ TEST(LargeFiles, HitsComeInTheOrderOfOneSequentialWalk) {
     for (int run = 0; run < 5; ++run)
         EXPECT_EQ(pathsOf(JunkScanner::largeFiles(search(0), Claims{})), expected) << "run " << run;
 }
+
+TEST(LargeFiles, DeepTreesAreWalkedToAHundredLevels) {
+    FakeHome home;
+    std::string deep = "deep";
+    for (int level = 0; level < 100; ++level)
+        deep += "/d";
+    const std::string file = home.makeFileOfSize(deep + "/big.bin", mebibyte);
+
+    EXPECT_EQ(pathsOf(JunkScanner::largeFiles(search(mebibyte), Claims{})), std::vector<std::string>{file});
+}
