@@ -20,6 +20,7 @@
 #include <ftw.h>
 #include <spawn.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -156,14 +157,27 @@ double seconds(std::chrono::steady_clock::duration duration) {
     return std::chrono::duration<double>(duration).count();
 }
 
-double timeFileSizer(const std::string& tree, int64_t& bytes) {
+// User plus system time of this process (`who` RUSAGE_SELF) or of its waited-for
+// children (RUSAGE_CHILDREN), in seconds.
+double cpuSeconds(int who) {
+    rusage usage{};
+    ::getrusage(who, &usage);
+    const auto toSeconds = [](const timeval& t) { return static_cast<double>(t.tv_sec) + t.tv_usec / 1e6; };
+    return toSeconds(usage.ru_utime) + toSeconds(usage.ru_stime);
+}
+
+double timeFileSizer(const std::string& tree, int64_t& bytes, double& cpu) {
+    const double cpuBefore = cpuSeconds(RUSAGE_SELF);
     const auto start = std::chrono::steady_clock::now();
     bytes = FileSizer::allocatedSize(tree, [] { return false; });
-    return seconds(std::chrono::steady_clock::now() - start);
+    const double elapsed = seconds(std::chrono::steady_clock::now() - start);
+    cpu = cpuSeconds(RUSAGE_SELF) - cpuBefore;
+    return elapsed;
 }
 
 // Runs `du -sk <tree>` as a child process; returns its time, or a negative value.
-double timeDu(const std::string& tree, int64_t& kilobytes) {
+double timeDu(const std::string& tree, int64_t& kilobytes, double& cpu) {
+    const double cpuBefore = cpuSeconds(RUSAGE_CHILDREN);
     int channel[2];
     if (::pipe(channel) != 0)
         return -1;
@@ -192,6 +206,7 @@ double timeDu(const std::string& tree, int64_t& kilobytes) {
         WEXITSTATUS(status) != 0)
         return -1;
     const double elapsed = seconds(std::chrono::steady_clock::now() - start);
+    cpu = cpuSeconds(RUSAGE_CHILDREN) - cpuBefore;
     kilobytes = std::strtoll(output.c_str(), nullptr, 10);
     return elapsed;
 }
@@ -253,17 +268,21 @@ int main(int argc, char** argv) {
 
     int64_t ours = 0;
     int64_t duKilobytes = 0;
-    timeFileSizer(tree, ours); // warm-up, each side once
-    if (timeDu(tree, duKilobytes) < 0) {
+    double cpu = 0;
+    timeFileSizer(tree, ours, cpu); // warm-up, each side once
+    if (timeDu(tree, duKilobytes, cpu) < 0) {
         std::fprintf(stderr, "du -sk failed\n");
         return 1;
     }
     std::vector<double> oursTimes;
     std::vector<double> duTimes;
     std::vector<double> ratios;
+    std::vector<double> cpuRatios;
     for (int run = 0; run < runs; ++run) {
-        const double a = timeFileSizer(tree, ours);
-        const double b = timeDu(tree, duKilobytes);
+        double oursCpu = 0;
+        double duCpu = 0;
+        const double a = timeFileSizer(tree, ours, oursCpu);
+        const double b = timeDu(tree, duKilobytes, duCpu);
         if (b <= 0) {
             std::fprintf(stderr, "du -sk failed\n");
             return 1;
@@ -271,7 +290,9 @@ int main(int argc, char** argv) {
         oursTimes.push_back(a);
         duTimes.push_back(b);
         ratios.push_back(a / b);
-        std::printf("run %d: FileSizer %.3f s, du %.3f s, ratio %.3f\n", run + 1, a, b, a / b);
+        cpuRatios.push_back(duCpu > 0 ? oursCpu / duCpu : 0);
+        std::printf("run %d: FileSizer %.3f s (cpu %.3f s), du %.3f s (cpu %.3f s), ratio %.3f\n", run + 1, a,
+                    oursCpu, b, duCpu, a / b);
     }
 
     const double oursMedian = median(oursTimes);
@@ -288,5 +309,6 @@ int main(int argc, char** argv) {
                 withSeparators(static_cast<int64_t>(entries / duMedian)).c_str());
     std::printf("ratio FileSizer/du: median of runs %.3f, of medians %.3f (target <= 0.95, aim 0.85)\n",
                 median(ratios), oursMedian / duMedian);
+    std::printf("cpu-time ratio FileSizer/du: median of runs %.3f\n", median(cpuRatios));
     return ours == referenceBytes ? 0 : 2;
 }

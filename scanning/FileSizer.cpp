@@ -31,10 +31,10 @@ constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 // 1,024-descriptor limit however deep the tree. Deeper down, the oldest open
 // ancestor is closed after noting its read position; on the way back it is opened
 // again through its child's "..", checked to be the same (dev, ino), and sought to
-// that position. Where ".." cannot be opened (a child that is readable but not
-// searchable) the ancestor is reached again by name from the nearest open folder
-// below it, again checked at every step. Real trees rarely go this deep, so the
-// common case never pays for any of it.
+// that position. Where ".." leads elsewhere or cannot be opened (part of the tree
+// was moved, or its permissions changed, while the walk was in it) the ancestor is
+// reached again by name from the nearest open folder below it, checked at every
+// step. Real trees rarely go this deep, so the common case never pays for any of it.
 constexpr size_t kOpenWindow = 32;
 
 struct Entry {

@@ -5,6 +5,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <ftw.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -117,6 +119,27 @@ bool removeTreeByDescriptors(const std::string& path) {
         ::close(fd);
     ::close(parent);
     return false;
+}
+
+PrivateScratch::PrivateScratch(std::string folder) : folder_(std::move(folder)) {
+    mounted_ = ::unshare(CLONE_NEWNS) == 0 &&
+               ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+               ::mount("veltro-scratch", folder_.c_str(), "tmpfs", 0, "size=512m,mode=0755") == 0;
+}
+
+PrivateScratch::~PrivateScratch() {
+    if (mounted_) {
+        ::umount2(folder_.c_str(), MNT_DETACH);
+        return;
+    }
+    // Empty the folder but keep it, as the tmpfs case does.
+    const int fd = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return;
+    while (const std::optional<std::string> folder = clearFilesAndFindFolder(fd))
+        if (!removeTreeByDescriptors(folder_ + "/" + *folder))
+            break;
+    ::close(fd);
 }
 
 std::optional<std::vector<int64_t>> numbersFromChild(const std::function<std::vector<int64_t>()>& body,
