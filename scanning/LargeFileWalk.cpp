@@ -342,8 +342,9 @@ void LargeFileWalk::addRoot(const std::string& root, const std::vector<std::stri
 
 std::vector<LargeFile> LargeFileWalk::run() {
     if (!roots_.empty()) {
-        // Beyond two threads per core the walk only queues more on the disk.
-        const size_t threads = std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4);
+        // Two threads per core, so that on a cold cache a thread waiting for the disk
+        // leaves its core to another; never more than four (see maxDepth).
+        const size_t threads = std::clamp<size_t>(2 * std::thread::hardware_concurrency(), 2, 4);
         std::vector<std::jthread> workers;
         try {
             for (size_t i = 0; i < threads; ++i)
