@@ -199,6 +199,9 @@ public:
     void removeRoot(const std::string& folder);
     void copyPath(const ScanItem& item);
     void setFolderChooser(FolderChooser chooser);
+    // The outcome line of a purge that freed `freed` bytes and could not delete
+    // `failed` locations.
+    static QString purgeText(int64_t freed, int failed);
 
     // System Data.
     Q_INVOKABLE void analyzeSystemData();

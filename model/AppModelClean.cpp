@@ -11,9 +11,9 @@
 
 #include <QClipboard>
 #include <QFile>
-#include <QPointer>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QPointer>
 #include <QUrl>
 
 #include <algorithm>
@@ -44,10 +44,13 @@ void AppModel::clean() {
             toMain([fraction, text](AppModel& model) {
                 Changes changes(model);
                 model.change(changes, model.cleanProgress_, fraction, &AppModel::cleanProgressChanged);
-                model.change(changes, model.statusText_, QString::fromStdString(text), &AppModel::statusTextChanged);
+                model.change(changes, model.statusText_, QString::fromStdString(text),
+                             &AppModel::statusTextChanged);
             });
         });
-        toMain([result = std::move(result)](AppModel& model) mutable { model.applyCleanResult(std::move(result)); });
+        toMain([result = std::move(result)](AppModel& model) mutable {
+            model.applyCleanResult(std::move(result));
+        });
     });
 }
 
@@ -57,7 +60,8 @@ void AppModel::applyCleanResult(CleanResult result) {
     for (const ScanItem& item : result.succeeded)
         removed.insert(item.id);
     ScanItems remaining = ScanResults::without(items_, removed);
-    change(changes, itemsByCategory_, ScanResults::groupedByCategory(remaining), &AppModel::itemsByCategoryChanged);
+    change(changes, itemsByCategory_, ScanResults::groupedByCategory(remaining),
+           &AppModel::itemsByCategoryChanged);
     change(changes, items_, std::move(remaining), &AppModel::itemsChanged);
     ItemIDs selection = selection_;
     for (const std::string& id : removed)
@@ -89,15 +93,20 @@ void AppModel::applyPurge(int64_t freed, int failed) {
         result->trashedURLs.clear();
         change(changes, lastResult_, std::move(result), &AppModel::lastResultChanged);
     }
-    const std::string size = formatByteCount(freed);
-    const std::string message =
-        failed == 0 ? localizedFormat("Deleted permanently — freed %1", {size})
-                    : localizedFormat("Deleted permanently (%1 failed) — freed %2", {std::to_string(failed), size});
-    change(changes, purgeMessage_, QString::fromStdString(message), &AppModel::purgeMessageChanged);
+    change(changes, purgeMessage_, purgeText(freed, failed), &AppModel::purgeMessageChanged);
     change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
 }
 
-void AppModel::setFolderChooser(FolderChooser chooser) { folderChooser_ = std::move(chooser); }
+QString AppModel::purgeText(int64_t freed, int failed) {
+    const std::string size = formatByteCount(freed);
+    return QString::fromStdString(failed == 0 ? localizedFormat("Deleted permanently — freed %1", {size})
+                                              : localizedFormat("Deleted permanently (%1 failed) — freed %2",
+                                                                {std::to_string(failed), size}));
+}
+
+void AppModel::setFolderChooser(FolderChooser chooser) {
+    folderChooser_ = std::move(chooser);
+}
 
 void AppModel::addRoot() {
     if (!folderChooser_)

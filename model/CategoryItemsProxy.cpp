@@ -2,7 +2,13 @@
 
 #include "model/CategoryItemsModel.h"
 
+#include <QLocale>
+
 CategoryItemsProxy::CategoryItemsProxy(QObject* parent) : QSortFilterProxyModel(parent) {
+    // The C locale's collation is plain code-point order, without numbers by value;
+    // a session without a locale still gets the common order.
+    if (QLocale().language() == QLocale::C)
+        collator_.setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
     collator_.setNumericMode(true);
     collator_.setCaseSensitivity(Qt::CaseInsensitive);
     setDynamicSortFilter(true);
@@ -54,7 +60,15 @@ QString CategoryItemsProxy::keyAt(int row) const {
     return at.isValid() ? at.data(CategoryItemsModel::KeyRole).toString() : QString();
 }
 
-void CategoryItemsProxy::applySort() { sort(0, ascending_ ? Qt::AscendingOrder : Qt::DescendingOrder); }
+void CategoryItemsProxy::applySort() {
+    const Qt::SortOrder order = ascending_ ? Qt::AscendingOrder : Qt::DescendingOrder;
+    // sort() ignores a request for the column and order already in force, which is
+    // all a change of key looks like to it; re-sorting in place is then up to us.
+    if (sortColumn() == 0 && sortOrder() == order)
+        invalidate();
+    else
+        sort(0, order);
+}
 
 bool CategoryItemsProxy::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const {
     if (filterText_.isEmpty())

@@ -1,0 +1,248 @@
+// The clean flow on scanned fake homes: confirmation scope, a clean with failures,
+// purging what it moved, the large-file folders and copying paths.
+
+#include "ModelTestSupport.h"
+
+#include "model/ItemKey.h"
+#include "support/TempTree.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QRegularExpression>
+
+#include <sys/stat.h>
+
+using namespace ModelTest;
+using Phase = AppModel::Phase;
+using State = AppModel::CategoryScanState;
+
+namespace {
+
+bool exists(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0;
+}
+
+::testing::AssertionResult cleanToEnd(AppModel& model) {
+    model.clean();
+    if (model.phase() != Phase::cleaning)
+        return ::testing::AssertionFailure() << "the clean did not start";
+    if (!waitFor([&model] { return model.phase() != Phase::cleaning; }))
+        return ::testing::AssertionFailure() << "the clean did not end in time";
+    return ::testing::AssertionSuccess();
+}
+
+::testing::AssertionResult purgeToEnd(AppModel& model) {
+    model.purgeLastTrashed();
+    if (!waitFor([&model] { return !model.purgeMessage().isEmpty(); }))
+        return ::testing::AssertionFailure() << "no purge message";
+    return waitForWorkers(model);
+}
+
+// "Deleted permanently — freed 12 KB", with the count of failures when there are any.
+QRegularExpression purgeLine(const QString& failedPart) {
+    return QRegularExpression(
+        QStringLiteral("^Deleted permanently%1 — freed (0 KB|\\d[\\d.,]* (bytes?|KB|MB|GB))$")
+            .arg(failedPart));
+}
+
+} // namespace
+
+TEST(CleanFlow, RequestCleanSetsItsScopeButOpensNothingWithoutItemsOrDuringAScan) {
+    FakeHome home;
+    const std::string cache = makeCacheFolder(home, "com.example.cache", 100'000);
+    home.makeFileOfSize("Library/Logs/app.log", 5'000);
+    AppModel model;
+    ASSERT_TRUE(scanToEnd(model));
+    model.setSelected(cache, true);
+
+    // Nothing ticked in that category: no sheet, but the scope holds, and a clean
+    // that follows cleans nothing although another category has a tick.
+    model.requestClean("user.logs");
+    EXPECT_EQ(model.cleanScope(), QStringLiteral("user.logs"));
+    EXPECT_FALSE(model.showConfirm());
+    SignalLog notified(model);
+    model.clean();
+    EXPECT_EQ(notified.total(), 0);
+    EXPECT_FALSE(model.hasRunningWork());
+    EXPECT_TRUE(exists(cache));
+
+    model.requestClean("user.caches");
+    EXPECT_TRUE(model.showConfirm());
+    model.setShowConfirm(false);
+
+    // During a scan, with the ticked item already found again: scope cleared, no sheet.
+    bool asked = false;
+    QObject::connect(&model, &AppModel::categoryStateChanged, [&] {
+        if (asked || model.phase() != Phase::scanning || model.stateOf("user.caches") != State::done)
+            return;
+        asked = true;
+        model.requestClean();
+        EXPECT_FALSE(model.itemsToClean().empty());
+        EXPECT_TRUE(model.cleanScope().isEmpty());
+        EXPECT_FALSE(model.showConfirm());
+    });
+    ASSERT_TRUE(scanToEnd(model));
+    EXPECT_TRUE(asked);
+    EXPECT_FALSE(model.showConfirm());
+}
+
+TEST(CleanFlow, TwoOfFiveFailAndTheResultLandsInOneStep) {
+    FakeHome home;
+    const std::string big = makeCacheFolder(home, "com.example.big", 300'000);
+    const std::string mid = makeCacheFolder(home, "com.example.mid", 200'000);
+    const std::string gone = makeCacheFolder(home, "com.example.gone", 100'000);
+    const std::string stays = makeCacheFolder(home, "com.example.stays", 50'000);
+    const std::string log = idOf(home.makeFileOfSize("Library/Logs/only.log", 5'000));
+    installTool(home, "brew", "echo 'Error: permission denied' >&2; exit 1");
+    AppModel model;
+    ASSERT_TRUE(scanToEnd(model));
+    for (const std::string& id : {big, mid, gone, log, std::string("cmd.brew")})
+        model.setSelected(id, true);
+    removeTreeForcefully(gone); // the user removed it meanwhile
+
+    // Every part of the result is in place before the first notification.
+    int itemsNotified = 0;
+    QObject::connect(&model, &AppModel::itemsChanged, [&] {
+        ++itemsNotified;
+        EXPECT_EQ(model.selection(), (ItemIDs{gone, "cmd.brew"}));
+        EXPECT_FALSE(model.itemsByCategory().contains("user.logs"));
+        EXPECT_EQ(idsOf(itemsOf(model, "user.caches")), (std::vector<std::string>{gone, stays}));
+        ASSERT_TRUE(model.lastResult().has_value());
+        EXPECT_EQ(model.lastResult()->failures.size(), 2u);
+        EXPECT_EQ(model.phase(), Phase::ready);
+    });
+
+    model.clean();
+    ASSERT_EQ(model.phase(), Phase::cleaning);
+    // Neither a scan nor a second clean may start meanwhile.
+    SignalLog notified(model);
+    model.scan();
+    model.clean();
+    EXPECT_EQ(notified.total(), 0);
+    ASSERT_TRUE(waitFor([&] { return model.phase() != Phase::cleaning; }));
+
+    EXPECT_EQ(itemsNotified, 1);
+    EXPECT_EQ(notified.count("phaseChanged"), 1);
+    EXPECT_EQ(notified.count("selectionChanged"), 1);
+    EXPECT_TRUE(model.showResult());
+    EXPECT_TRUE(model.statusText().isEmpty());
+    EXPECT_EQ(model.cleanProgress(), 1.0);
+    ASSERT_TRUE(model.lastResult().has_value());
+    const CleanResult& result = *model.lastResult();
+    EXPECT_EQ(result.succeeded.size(), 3u);
+    std::set<std::string> failed;
+    for (const CleanFailure& failure : result.failures)
+        failed.insert(failure.item.id);
+    EXPECT_EQ(failed, (std::set<std::string>{gone, "cmd.brew"}));
+    EXPECT_EQ(model.items().size(), 3u); // the two failures and the untouched one
+    EXPECT_EQ(model.stateOf("user.logs"), State::done);
+    for (const char* name : {"com.example.big", "com.example.mid", "only.log"})
+        EXPECT_TRUE(exists(home.path(std::string(".Trash/") + name))) << name;
+    EXPECT_FALSE(exists(big));
+    EXPECT_EQ(model.lastResultInfo().value("failures").toList().size(), 2);
+}
+
+TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
+    FakeHome home;
+    const std::string first = makeCacheFolder(home, "com.example.first", 100'000);
+    const std::string second = makeCacheFolder(home, "com.example.second", 60'000);
+    const std::string third = makeCacheFolder(home, "com.example.third", 30'000);
+    home.makeFileOfSize(".Trash/kept.txt", 4'000); // the user's own Trash stays untouched
+    AppModel model;
+    ASSERT_TRUE(scanToEnd(model));
+
+    model.setSelected(first, true);
+    model.setSelected(second, true);
+    ASSERT_TRUE(cleanToEnd(model));
+    ASSERT_EQ(model.lastResult()->trashedURLs.size(), 2u);
+    ASSERT_TRUE(exists(home.path(".Trash/com.example.first")));
+
+    ASSERT_TRUE(purgeToEnd(model));
+    EXPECT_TRUE(purgeLine("").match(model.purgeMessage()).hasMatch()) << model.purgeMessage().toStdString();
+    EXPECT_TRUE(model.lastResult()->trashedURLs.empty());
+    EXPECT_FALSE(exists(home.path(".Trash/com.example.first")));
+    EXPECT_FALSE(exists(home.path(".Trash/com.example.second")));
+    EXPECT_TRUE(exists(home.path(".Trash/kept.txt")));
+
+    // Offered once only.
+    SignalLog notified(model);
+    model.purgeLastTrashed();
+    EXPECT_FALSE(model.hasRunningWork());
+    EXPECT_EQ(notified.total(), 0);
+
+    // A new clean clears the message; a purge that cannot delete one location says so.
+    model.setSelected(third, true);
+    ASSERT_TRUE(cleanToEnd(model));
+    EXPECT_TRUE(model.purgeMessage().isEmpty());
+    ASSERT_EQ(model.lastResult()->trashedURLs.size(), 1u);
+    removeTreeForcefully(model.lastResult()->trashedURLs.front()); // emptied by hand meanwhile
+    ASSERT_TRUE(purgeToEnd(model));
+    EXPECT_TRUE(purgeLine(" \\(1 failed\\)").match(model.purgeMessage()).hasMatch())
+        << model.purgeMessage().toStdString();
+}
+
+TEST(CleanFlow, PurgeMessageWordsTheFigures) {
+    EXPECT_EQ(AppModel::purgeText(0, 0), QStringLiteral("Deleted permanently — freed 0 KB"));
+    EXPECT_EQ(AppModel::purgeText(1'500'000, 1),
+              QStringLiteral("Deleted permanently (1 failed) — freed 1.5 MB"));
+    EXPECT_EQ(AppModel::purgeText(-4096, 12), QStringLiteral("Deleted permanently (12 failed) — freed 0 KB"));
+}
+
+TEST(CleanFlow, ChosenFoldersAreAddedOnceAndSearchedByTheNextScan) {
+    FakeHome home;
+    const std::string drive = home.tree().makeDir("drive");
+    const std::string other = home.tree().makeDir("other");
+    home.tree().makeFileOfSize("drive/film.mov", 2 * 1024 * 1024);
+    std::vector<std::vector<std::string>> answers{{drive, other, drive}, {other}};
+    int shown = 0;
+    AppModel model;
+    model.setFolderChooser([&](std::function<void(std::vector<std::string>)> onChosen) {
+        ++shown;
+        if (!answers.empty()) { // otherwise dismissed: no answer at all
+            onChosen(answers.front());
+            answers.erase(answers.begin());
+        }
+    });
+    SignalLog notified(model);
+    model.addRoot();
+    model.addRoot();
+    model.addRoot();
+    EXPECT_EQ(shown, 3);
+    EXPECT_EQ(model.extraRoots(), (AppModel::RootList{drive, other}));
+    EXPECT_EQ(notified.count("extraRootsChanged"), 1);
+    EXPECT_EQ(model.phase(), Phase::idle); // adding does not scan
+
+    model.setLargeThresholdGB(1.0 / 1024); // 1 MiB
+    ASSERT_TRUE(scanToEnd(model));
+    EXPECT_EQ(idsOf(itemsOf(model, "large.files")), (std::vector<std::string>{idOf(drive + "/film.mov")}));
+
+    model.removeRootPath(QString::fromStdString(drive));
+    EXPECT_EQ(model.extraRoots(), (AppModel::RootList{other}));
+}
+
+TEST(CleanFlow, CopyPathPutsTheExactBytesOnTheClipboard) {
+    FakeHome home;
+    const std::string odd = makeCacheFolder(home, std::string("caf\xE9 \xFF\xFE", 7), 10'000);
+    installTool(home, "brew", "exit 0");
+    AppModel model;
+    ASSERT_TRUE(scanToEnd(model));
+    const ScanItem* item = find(model.items(), odd);
+    ASSERT_NE(item, nullptr);
+    const QByteArray bytes(odd.data(), static_cast<qsizetype>(odd.size()));
+
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    model.copyPath(*item);
+    ASSERT_NE(clipboard->mimeData(), nullptr);
+    EXPECT_EQ(clipboard->mimeData()->data("text/plain"), bytes);
+
+    clipboard->clear();
+    model.copyItemPath(ItemKey::fromID(odd)); // as the views ask for it
+    ASSERT_NE(clipboard->mimeData(), nullptr);
+    EXPECT_EQ(clipboard->mimeData()->data("text/plain"), bytes);
+
+    // An item without a path gives its location: the command it runs.
+    model.copyItemPath("cmd.brew");
+    EXPECT_EQ(clipboard->mimeData()->text(), QStringLiteral("brew cleanup -s --prune=all"));
+}

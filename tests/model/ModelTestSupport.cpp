@@ -1,0 +1,137 @@
+#include "ModelTestSupport.h"
+
+#include "platform/Paths.h"
+
+#include <QMetaMethod>
+#include <QTest>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ModelTest {
+
+bool waitFor(const std::function<bool()>& done, int timeoutMs) {
+    return QTest::qWaitFor(done, timeoutMs);
+}
+
+::testing::AssertionResult scanToEnd(AppModel& model) {
+    model.scan();
+    if (model.phase() != AppModel::Phase::scanning)
+        return ::testing::AssertionFailure() << "the scan did not start";
+    if (!waitFor([&model] { return model.phase() != AppModel::Phase::scanning; }))
+        return ::testing::AssertionFailure() << "the scan did not end in time";
+    return ::testing::AssertionSuccess();
+}
+
+::testing::AssertionResult waitForWorkers(AppModel& model) {
+    if (!waitFor([&model] { return !model.hasRunningWork(); }))
+        return ::testing::AssertionFailure() << "worker threads still running";
+    return ::testing::AssertionSuccess();
+}
+
+std::string makeCacheFolder(FakeHome& home, const std::string& name, int64_t bytes) {
+    home.makeFileOfSize("Library/Caches/" + name + "/data.bin", bytes);
+    return idOf(home.path("Library/Caches/" + name));
+}
+
+std::string idOf(const std::string& path) {
+    return Paths::canonicalPath(path);
+}
+
+void installTool(FakeHome& home, const std::string& name, const std::string& body) {
+    const std::string path = home.makeFile(".docker/bin/" + name, "#!/bin/sh\n" + body + "\n");
+    ::chmod(path.c_str(), 0755);
+}
+
+const ScanItem* find(const ScanItems& items, const std::string& id) {
+    for (const ScanItem& item : items)
+        if (item.id == id)
+            return &item;
+    return nullptr;
+}
+
+std::vector<std::string> idsOf(const ScanItems& items) {
+    std::vector<std::string> ids;
+    for (const ScanItem& item : items)
+        ids.push_back(item.id);
+    return ids;
+}
+
+const ScanItems& itemsOf(const AppModel& model, const std::string& categoryID) {
+    static const ScanItems none;
+    const auto found = model.itemsByCategory().find(categoryID);
+    return found == model.itemsByCategory().end() ? none : found->second;
+}
+
+int threadCount() {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line))
+        if (line.rfind("Threads:", 0) == 0)
+            return std::atoi(line.c_str() + 8);
+    return -1;
+}
+
+bool makeAllocatedFile(const std::string& path, int64_t bytes) {
+    // Extent bookkeeping may add blocks of its own; shorten the request by what was
+    // added until the total lands exactly.
+    int64_t request = bytes;
+    for (int attempt = 0; attempt < 4 && request > 0; ++attempt) {
+        ::unlink(path.c_str());
+        const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+        if (fd < 0)
+            return false;
+        const int error = ::posix_fallocate(fd, 0, request);
+        ::fsync(fd);
+        struct stat st {};
+        const bool measured = ::fstat(fd, &st) == 0;
+        ::close(fd);
+        if (error != 0 || !measured)
+            return false;
+        const int64_t allocated = static_cast<int64_t>(st.st_blocks) * 512;
+        if (allocated == bytes)
+            return true;
+        request -= allocated - bytes;
+    }
+    return false;
+}
+
+SignalLog::SignalLog(AppModel& model) {
+    const QMetaObject* meta = model.metaObject();
+    for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
+        const QMetaMethod method = meta->method(i);
+        if (method.methodType() != QMetaMethod::Signal)
+            continue;
+        const std::string name = method.name().toStdString();
+        // The two summary notified restate the stored fields' changes.
+        if (name == "totalsChanged" || name == "resultsChanged")
+            continue;
+        spies_.emplace_back(name, std::make_unique<QSignalSpy>(&model, method));
+    }
+}
+
+int SignalLog::count(const char* signalName) const {
+    for (const auto& [name, spy] : spies_)
+        if (name == signalName)
+            return static_cast<int>(spy->count());
+    ADD_FAILURE() << "no signal " << signalName;
+    return -1;
+}
+
+int SignalLog::total() const {
+    int sum = 0;
+    for (const auto& [name, spy] : spies_)
+        sum += static_cast<int>(spy->count());
+    return sum;
+}
+
+void SignalLog::clear() {
+    for (auto& [name, spy] : spies_)
+        spy->clear();
+}
+
+} // namespace ModelTest

@@ -1,0 +1,131 @@
+// Selection commands and the totals derived from them, on a scanned fake home with
+// trash, permanent and command items; and the setters that must notify only on change.
+
+#include "ModelTestSupport.h"
+
+using namespace ModelTest;
+
+namespace {
+
+int64_t sizeOf(const AppModel& model, const std::string& id) {
+    const ScanItem* item = find(model.items(), id);
+    return item && item->size ? *item->size : -1;
+}
+
+} // namespace
+
+TEST(Selection, CommandsQueriesAndScopedCleanList) {
+    FakeHome home;
+    const std::string big = makeCacheFolder(home, "com.example.big", 300'000);
+    const std::string small = makeCacheFolder(home, "com.example.small", 100'000);
+    const std::string log = idOf(home.makeFileOfSize("Library/Logs/app.log", 5'000));
+    home.makeFileOfSize(".npm/_cacache/index", 50'000);
+    const std::string npm = idOf(home.path(".npm/_cacache"));
+    const std::string store = idOf(home.makeDir(".cache/models"));
+    home.makeFileOfSize(".cache/models/weights.bin", 70'000);
+    // A tool whose own clean-up command removes its cache, and one whose probe finds
+    // something to remove but cannot tell its size.
+    installTool(home, "brew", "exit 0");
+    installTool(home, "xcrun", "echo 'iPhone 8 (unavailable, runtime profile not found)'");
+
+    AppModel model;
+    ASSERT_TRUE(scanToEnd(model));
+    ASSERT_NE(find(model.items(), "cmd.brew"), nullptr);
+    ASSERT_NE(find(model.items(), "cmd.simctl"), nullptr);
+
+    // Recommended: every non-command item of a recommended category, nothing removed.
+    SignalLog notified(model);
+    model.setSelected(store, true); // a category that is not recommended
+    model.selectRecommended();
+    const ItemIDs recommended{big, small, log, npm, store};
+    EXPECT_EQ(model.selection(), recommended);
+    model.selectRecommended();
+    EXPECT_EQ(model.selection(), recommended);
+    EXPECT_FALSE(model.isSelected("cmd.brew"));
+    EXPECT_EQ(notified.count("selectionChanged"), 2);
+
+    // Per category: only that category's ids; a category without items changes nothing.
+    model.setAll("user.caches", false);
+    EXPECT_EQ(model.selection(), (ItemIDs{log, npm, store}));
+    model.setAll("user.caches", true);
+    EXPECT_EQ(model.selection(), recommended);
+    notified.clear();
+    model.setAll("user.trash", true);
+    model.setSelected(big, true);
+    EXPECT_EQ(notified.total(), 0);
+
+    // Queries look items up: ticks of other categories and of ids not found are ignored.
+    model.setSelected("/no/longer/there", true);
+    EXPECT_EQ(model.selectedCount("user.caches"), 2);
+    EXPECT_EQ(model.selectedSize("user.caches"), sizeOf(model, big) + sizeOf(model, small));
+    EXPECT_EQ(model.selectedTotal(), sizeOf(model, big) + sizeOf(model, small) + sizeOf(model, log) +
+                                         sizeOf(model, npm) + sizeOf(model, store));
+    EXPECT_EQ(model.selectionCount(), 6);
+    std::vector<std::string> inItemsOrder;
+    for (const ScanItem& item : model.items())
+        if (model.isSelected(item.id))
+            inItemsOrder.push_back(item.id);
+    EXPECT_EQ(idsOf(model.selectedItems()), inItemsOrder);
+
+    // Items without a size count 0: a category of one command item totals 0.
+    EXPECT_EQ(model.itemCountOf("dev.devicesupport"), 1);
+    EXPECT_EQ(model.totalSize("dev.devicesupport"), 0);
+    int64_t developer = 0;
+    for (const CleanCategory& category : model.categoriesOf(CategoryGroup::developer))
+        developer += model.totalSize(QString::fromStdString(category.id));
+    EXPECT_EQ(model.totalSize(CategoryGroup::developer), developer);
+    EXPECT_EQ(model.totalSize(CategoryGroup::developer), sizeOf(model, npm) + sizeOf(model, store));
+
+    // A scoped clean takes only that category's ticked items, largest first.
+    model.requestClean("user.caches");
+    EXPECT_EQ(idsOf(model.itemsToClean()), (std::vector<std::string>{big, small}));
+    EXPECT_EQ(model.itemsToCleanTotal(), sizeOf(model, big) + sizeOf(model, small));
+    EXPECT_EQ(model.cleanPlan().value("scopeTitle").toString(), QStringLiteral("User Caches"));
+    model.setShowConfirm(false);
+    model.requestClean("no.such.category");
+    EXPECT_TRUE(model.itemsToClean().empty());
+    EXPECT_FALSE(model.showConfirm());
+    model.requestClean();
+    EXPECT_EQ(model.itemsToClean().size(), 5u);
+
+    notified.clear();
+    model.clearSelection();
+    model.clearSelection();
+    EXPECT_EQ(notified.count("selectionChanged"), 1);
+    EXPECT_EQ(model.selectedTotal(), 0);
+}
+
+TEST(Selection, SettersNotifyOncePerRealChange) {
+    FakeHome home;
+    AppModel model;
+    SignalLog notified(model);
+
+    model.setLargeThresholdGB(1.0); // the initial value
+    model.setLargeThresholdGB(2.5);
+    model.setLargeThresholdGB(2.5);
+    EXPECT_EQ(notified.count("largeThresholdGBChanged"), 1);
+    EXPECT_EQ(model.largeThresholdGB(), 2.5);
+
+    model.setShowConfirm(false);
+    model.setShowConfirm(true);
+    model.setShowConfirm(true);
+    model.setShowResult(false);
+    model.setShowResult(true);
+    model.setShowResult(true);
+    EXPECT_EQ(notified.count("showConfirmChanged"), 1);
+    EXPECT_EQ(notified.count("showResultChanged"), 1);
+
+    model.setSelected("a", true);
+    model.setSelected("a", true);
+    model.setSelected("a", false);
+    model.setSelected("a", false);
+    model.clearSelection();
+    EXPECT_EQ(notified.count("selectionChanged"), 2);
+
+    // Nothing else moved.
+    EXPECT_EQ(notified.total(), 5);
+    model.refreshEnvironment();
+    model.refreshEnvironment();
+    EXPECT_LE(notified.count("diskChanged"), 2);
+    EXPECT_EQ(notified.count("hasFullDiskAccessChanged"), 0);
+}
