@@ -254,10 +254,11 @@ private:
         Task& task = shared_.newTask();
         task.fd = fd;
         task.device = st.st_dev;
-        task.chain.reserve(task_->chain.size() + stack_.size() + 1);
-        task.chain = task_->chain;
-        for (const Frame& frame : stack_)
-            task.chain.push_back(frame.inode);
+        // The chain so far ends with this task's own folder, the first frame.
+        task.chain.reserve(task_->chain.size() + stack_.size());
+        task.chain.assign(task_->chain.begin(), task_->chain.end());
+        for (size_t i = 1; i < stack_.size(); ++i)
+            task.chain.push_back(stack_[i].inode);
         task.chain.push_back(st.st_ino);
         task.path = path_;
         task.mayHoldSkipped = mayHoldSkipped;

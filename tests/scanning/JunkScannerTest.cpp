@@ -215,6 +215,7 @@ TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
     const std::vector<std::string> packages = scan.idsIn("dev.packages");
     ASSERT_FALSE(packages.empty());
     EXPECT_EQ(packages.front(), "cmd.brew");
+    ASSERT_NE(scan.item("cmd.brew"), nullptr);
     EXPECT_EQ(scan.item("cmd.brew")->note, std::nullopt);
     EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/Homebrew")), "dev.packages");
 

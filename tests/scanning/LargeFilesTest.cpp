@@ -95,6 +95,7 @@ TEST(LargeFiles, ThresholdBelowOneTakesEveryRegularFileAndTheScannerDropsEmptyOn
 
     const RecordedScan scan = recordScan(search(-1));
     EXPECT_EQ(scan.idsIn("large.files"), std::vector<std::string>{small});
+    ASSERT_NE(scan.item(small), nullptr);
     EXPECT_EQ(scan.item(small)->method, RemovalMethod::trash());
     ASSERT_NE(scan.finished("large.files"), nullptr);
     EXPECT_NE(std::find(scan.events.begin(), scan.events.end(),
