@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTextStream>
+#include <QTimer>
 
 #include <cmath>
 #include <unistd.h>
@@ -13,15 +14,22 @@ namespace HeadlessRun {
 bool waitUntil(const std::function<bool()>& done, int timeoutMs) {
     QElapsedTimer timer;
     timer.start();
+    // Sleeps between events: the model's queued calls wake the loop, and the tick
+    // bounds how late a timeout is noticed. (The overload of processEvents with a
+    // time limit never waits, which would spin a core the scan needs.)
+    QTimer tick;
+    tick.start(100);
     while (!done()) {
         if (timeoutMs >= 0 && timer.elapsed() > timeoutMs)
             return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 100);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents);
     }
     return true;
 }
 
-bool isTerminal(int fd) { return ::isatty(fd) == 1; }
+bool isTerminal(int fd) {
+    return ::isatty(fd) == 1;
+}
 
 void scan(AppModel& model, bool showProgress) {
     QTextStream err(stderr);

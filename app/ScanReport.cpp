@@ -6,7 +6,6 @@
 #include "platform/Paths.h"
 
 #include <QJsonArray>
-#include <QStringDecoder>
 #include <QTextStream>
 
 #include <algorithm>
@@ -14,18 +13,23 @@
 namespace {
 
 bool isValidUtf8(const std::string& raw) {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    (void)decoder.decode(QByteArrayView(raw.data(), static_cast<qsizetype>(raw.size())));
-    return !decoder.hasError();
+    // Decoding replaces every invalid sequence, so only valid text survives the round
+    // trip. (A stateless decoder does not record errors at all.)
+    const QByteArray bytes(raw.data(), static_cast<qsizetype>(raw.size()));
+    return QString::fromUtf8(bytes).toUtf8() == bytes;
 }
 
 QJsonValue optionalText(const std::optional<std::string>& text) {
     return text ? QJsonValue(ItemKey::displayText(*text)) : QJsonValue(QJsonValue::Null);
 }
 
-QString sizeText(int64_t bytes) { return QString::fromStdString(formatByteCount(bytes)); }
+QString sizeText(int64_t bytes) {
+    return QString::fromStdString(formatByteCount(bytes));
+}
 
-QString padRight(const QString& text, int width) { return text.leftJustified(width, u' ', false); }
+QString padRight(const QString& text, int width) {
+    return text.leftJustified(width, u' ', false);
+}
 
 } // namespace
 
@@ -36,12 +40,14 @@ QJsonObject itemJson(const ScanItem& item) {
     object.insert("id", ItemKey::displayText(item.id));
     object.insert("name", ItemKey::displayText(item.name));
     object.insert("path", optionalText(item.url));
-    object.insert("size", item.size ? QJsonValue(static_cast<qint64>(*item.size)) : QJsonValue(QJsonValue::Null));
-    object.insert("modified", item.modified ? QJsonValue(QString::fromStdString(Dates::iso8601(*item.modified)))
-                                            : QJsonValue(QJsonValue::Null));
+    object.insert("size",
+                  item.size ? QJsonValue(static_cast<qint64>(*item.size)) : QJsonValue(QJsonValue::Null));
+    object.insert("modified", item.modified
+                                  ? QJsonValue(QString::fromStdString(Dates::iso8601(*item.modified)))
+                                  : QJsonValue(QJsonValue::Null));
     object.insert("method", QString::fromUtf8(item.method.name()));
     object.insert("command", item.method.isCommand() ? QJsonValue(QString::fromStdString(item.method.command))
-                                                      : QJsonValue(QJsonValue::Null));
+                                                     : QJsonValue(QJsonValue::Null));
     object.insert("admin", item.method.admin);
     object.insert("note", optionalText(item.note));
     // JSON text cannot carry bytes that are not UTF-8; keep the exact path alongside.
@@ -67,7 +73,8 @@ QJsonObject json(const AppModel& model) {
         entry.insert("selectedByDefault", category.selectedByDefault);
         entry.insert("totalSize", model.totalSize(id));
         QJsonArray items;
-        if (const auto found = model.itemsByCategory().find(category.id); found != model.itemsByCategory().end())
+        if (const auto found = model.itemsByCategory().find(category.id);
+            found != model.itemsByCategory().end())
             for (const ScanItem& item : found->second)
                 items.append(itemJson(item));
         entry.insert("items", items);
@@ -80,11 +87,13 @@ QJsonObject json(const AppModel& model) {
 QString text(const AppModel& model, int largestCount) {
     QString out;
     QTextStream stream(&out);
-    stream << QString::fromStdString(localizedFormat("%1 available of %2", {formatByteCount(model.diskAvailable()),
-                                                                            formatByteCount(model.diskTotal())}))
+    stream << QString::fromStdString(
+                  localizedFormat("%1 available of %2", {formatByteCount(model.diskAvailable()),
+                                                         formatByteCount(model.diskTotal())}))
            << "\n";
     if (!model.hasFullDiskAccess())
-        stream << QString::fromStdString(localized("Full Disk Access has not been granted; some places were skipped."))
+        stream << QString::fromStdString(
+                      localized("Full Disk Access has not been granted; some places were skipped."))
                << "\n";
     for (CategoryGroup group : CategoryGroups::allCases()) {
         stream << "\n"
@@ -94,8 +103,9 @@ QString text(const AppModel& model, int largestCount) {
             const QString id = QString::fromStdString(category.id);
             const int count = model.itemCountOf(id);
             stream << "  " << padRight(QString::fromStdString(category.title), 44) << " "
-                   << (count > 0 ? sizeText(model.totalSize(id)) : QStringLiteral("—")).rightJustified(10) << "  "
-                   << QString::fromStdString(localizedFormat("%1 items", {std::to_string(count)})) << "\n";
+                   << (count > 0 ? sizeText(model.totalSize(id)) : QStringLiteral("—")).rightJustified(10)
+                   << "  " << QString::fromStdString(localizedFormat("%1 items", {std::to_string(count)}))
+                   << "\n";
         }
     }
     ScanItems largest = ScanResults::sortedForDisplay(model.items());
@@ -105,7 +115,8 @@ QString text(const AppModel& model, int largestCount) {
         stream << "\n" << QString::fromStdString(localized("Largest Items")) << "\n";
         for (const ScanItem& item : largest) {
             const QString size = item.size ? sizeText(*item.size) : QStringLiteral("—");
-            const QString where = ItemKey::displayText(item.url ? Paths::abbreviatingHome(*item.url) : item.location());
+            const QString where =
+                ItemKey::displayText(item.url ? Paths::abbreviatingHome(*item.url) : item.location());
             const auto category = model.category(QString::fromStdString(item.categoryID));
             stream << "  " << size.rightJustified(10) << "  " << where;
             if (category)

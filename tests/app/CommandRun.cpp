@@ -1,0 +1,121 @@
+#include "CommandRun.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <ftw.h>
+#include <spawn.h>
+#include <sstream>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace {
+
+std::string readAll(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::vector<std::string> childEnvironment(const FakeHome& home) {
+    std::vector<std::string> entries;
+    for (char** entry = environ; *entry; ++entry) {
+        const std::string_view text = *entry;
+        if (!text.starts_with("HOME=") && !text.starts_with("TMPDIR=") &&
+            !text.starts_with("QT_QPA_PLATFORM="))
+            entries.emplace_back(text);
+    }
+    entries.push_back("HOME=" + home.home());
+    entries.push_back("TMPDIR=" + home.tmp());
+    entries.push_back("QT_QPA_PLATFORM=offscreen");
+    return entries;
+}
+
+std::vector<std::string>* snapshotLines = nullptr;
+size_t snapshotPrefix = 0;
+
+int record(const char* path, const struct stat* st, int type, struct FTW*) {
+    std::ostringstream line;
+    line << (path + snapshotPrefix) << '|' << type << '|' << std::oct << st->st_mode << std::dec << '|';
+    if (!S_ISDIR(st->st_mode))
+        line << st->st_size << '|' << st->st_mtim.tv_sec << '.' << st->st_mtim.tv_nsec;
+    if (S_ISLNK(st->st_mode)) {
+        char target[4096];
+        const ssize_t length = ::readlink(path, target, sizeof target);
+        line << "->" << std::string(target, length > 0 ? static_cast<size_t>(length) : 0);
+    }
+    snapshotLines->push_back(line.str());
+    return 0;
+}
+
+} // namespace
+
+CommandRun CommandRun::of(FakeHome& home, const std::vector<std::string>& arguments) {
+    CommandRun run;
+    const std::string outPath = home.tree().path("stdout.txt");
+    const std::string errPath = home.tree().path("stderr.txt");
+
+    std::vector<std::string> argv{VELTRO_BINARY};
+    argv.insert(argv.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argp;
+    for (std::string& argument : argv)
+        argp.push_back(argument.data());
+    argp.push_back(nullptr);
+    std::vector<std::string> env = childEnvironment(home);
+    std::vector<char*> envp;
+    for (std::string& entry : env)
+        envp.push_back(entry.data());
+    envp.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    const auto started = std::chrono::steady_clock::now();
+    pid_t pid = -1;
+    const int spawned = ::posix_spawn(&pid, argv[0].c_str(), &actions, nullptr, argp.data(), envp.data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned != 0) {
+        run.err = std::string("could not start: ") + std::strerror(spawned);
+        return run;
+    }
+    int status = 0;
+    struct rusage usage {};
+    while (::wait4(pid, &status, 0, &usage) < 0 && errno == EINTR) {
+    }
+    run.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    run.cpuSeconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                     static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.out = readAll(outPath);
+    run.err = readAll(errPath);
+    return run;
+}
+
+std::vector<std::string> snapshotOf(const std::string& root) {
+    std::vector<std::string> lines;
+    snapshotLines = &lines;
+    snapshotPrefix = root.size();
+    ::nftw(root.c_str(), record, 32, FTW_PHYS);
+    snapshotLines = nullptr;
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+void installTool(FakeHome& home, const std::string& name, const std::string& body) {
+    const std::string path = home.makeFile(".docker/bin/" + name, "#!/bin/sh\n" + body + "\n");
+    ::chmod(path.c_str(), 0755);
+}
+
+bool exists(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0;
+}

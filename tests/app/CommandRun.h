@@ -1,0 +1,29 @@
+#pragma once
+// Runs the built `veltro` binary as a child process over a fake home: HOME and
+// TMPDIR point into it, standard input is /dev/null (no terminal), and the outputs
+// and the CPU time the child used are collected.
+
+#include "support/FakeHome.h"
+
+#include <string>
+#include <vector>
+
+struct CommandRun {
+    int status = -1; // exit status, or -1 when the child did not exit normally
+    std::string out;
+    std::string err;
+    double cpuSeconds = 0; // user + system time of the child
+    double wallSeconds = 0;
+
+    static CommandRun of(FakeHome& home, const std::vector<std::string>& arguments);
+};
+
+// Every entry below `root` (type, size, modification time, link target), one line
+// each, sorted: equal before and after means nothing was touched.
+std::vector<std::string> snapshotOf(const std::string& root);
+
+// An executable shell script `name` in ~/.docker/bin, which is on the search path of
+// every command the scan and the clean run.
+void installTool(FakeHome& home, const std::string& name, const std::string& body);
+
+bool exists(const std::string& path);

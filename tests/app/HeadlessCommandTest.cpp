@@ -1,0 +1,200 @@
+// `veltro scan` and `veltro clean` as a user runs them: the real binary in a child
+// process over a fake home, judged by its output, exit status and the files.
+
+#include "CommandRun.h"
+
+#include "catalogue/CleanupRules.h"
+#include "platform/Paths.h"
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStringDecoder>
+
+#include <set>
+
+namespace {
+
+std::set<QString> keysOf(const QJsonObject& object) {
+    const QStringList keys = object.keys();
+    return {keys.begin(), keys.end()};
+}
+
+int lineCount(const std::string& text) {
+    return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// A home with something for several recommended categories, one that is not
+// recommended, and files the scan must leave alone.
+struct Fixture {
+    FakeHome home;
+    std::string cacheA, cacheB, log, oldTrash, store, document;
+
+    Fixture() {
+        cacheA = home.makeDir("Library/Caches/com.example.a");
+        home.makeFileOfSize("Library/Caches/com.example.a/blob", 200'000);
+        cacheB = home.makeDir("Library/Caches/com.example.b");
+        home.makeFileOfSize("Library/Caches/com.example.b/blob", 80'000);
+        log = home.makeFileOfSize("Library/Logs/app.log", 6'000);
+        oldTrash = home.makeFileOfSize(".Trash/old.zip", 30'000);
+        store = home.makeFileOfSize(".cache/models/weights.bin", 90'000);
+        document = home.makeFile("Documents/report.txt", "keep me");
+    }
+};
+
+} // namespace
+
+TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
+    FakeHome home;
+    const std::vector<std::string> names{
+        "q\"uote", "back\\slash", "new\nline", std::string("ctl\x01\x1f", 5), std::string("bad\xff\xfe", 5),
+        "plain"};
+    int64_t bytes = 300'000;
+    for (const std::string& name : names) {
+        home.makeFileOfSize("Library/Caches/" + name, bytes);
+        bytes -= 40'000;
+    }
+    installTool(home, "brew", "exit 0");
+
+    const CommandRun run = CommandRun::of(home, {"scan", "--json"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(lineCount(run.out), 1);
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    (void)utf8.decode(QByteArrayView(run.out.data(), static_cast<qsizetype>(run.out.size())));
+    EXPECT_FALSE(utf8.hasError()) << "the output is not UTF-8";
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(run.out), &error);
+    ASSERT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
+    const QJsonObject root = document.object();
+
+    EXPECT_EQ(keysOf(root), (std::set<QString>{"disk", "hasFullDiskAccess", "categories"}));
+    EXPECT_EQ(keysOf(root["disk"].toObject()), (std::set<QString>{"total", "available"}));
+    EXPECT_GT(root["disk"]["total"].toInteger(), 0);
+    const QJsonArray categories = root["categories"].toArray();
+    ASSERT_EQ(categories.size(), static_cast<qsizetype>(CleanupRules::categories().size()));
+
+    const std::set<QString> categoryKeys{"id",        "group", "title", "risk", "selectedByDefault",
+                                         "totalSize", "items"};
+    const std::set<QString> itemKeys{"id",     "name",    "path",  "size", "modified",
+                                     "method", "command", "admin", "note"};
+    std::map<std::string, QJsonObject> byPath; // the exact path bytes of every item with a path
+    QJsonObject brew;
+    for (qsizetype i = 0; i < categories.size(); ++i) {
+        const QJsonObject category = categories[i].toObject();
+        EXPECT_EQ(keysOf(category), categoryKeys);
+        EXPECT_EQ(category["id"].toString().toStdString(), CleanupRules::categories()[size_t(i)].id);
+        qint64 previous = std::numeric_limits<qint64>::max(), total = 0;
+        for (const QJsonValue& value : category["items"].toArray()) {
+            const QJsonObject item = value.toObject();
+            std::set<QString> keys = keysOf(item);
+            keys.erase("pathBytes");
+            EXPECT_EQ(keys, itemKeys);
+            const qint64 size = item["size"].isNull() ? -1 : item["size"].toInteger();
+            EXPECT_LE(size, previous)
+                << "items out of size order in " << category["id"].toString().toStdString();
+            previous = size;
+            total += std::max<qint64>(size, 0);
+            if (item.contains("pathBytes"))
+                byPath[QByteArray::fromBase64(item["pathBytes"].toString().toLatin1()).toStdString()] = item;
+            else if (!item["path"].isNull())
+                byPath[item["path"].toString().toStdString()] = item;
+            if (item["id"] == QStringLiteral("cmd.brew"))
+                brew = item;
+        }
+        EXPECT_EQ(category["totalSize"].toInteger(), total);
+    }
+
+    for (const std::string& name : names) {
+        const std::string path = Paths::canonicalPath(home.path("Library/Caches/" + name));
+        ASSERT_TRUE(byPath.contains(path)) << "no item for " << path;
+        const QJsonObject& item = byPath[path];
+        EXPECT_EQ(item["pathBytes"].isUndefined(), name.find('\xff') == std::string::npos) << path;
+        EXPECT_EQ(item["method"].toString(), QStringLiteral("trash"));
+    }
+    EXPECT_EQ(byPath[Paths::canonicalPath(home.path("Library/Caches/q\"uote"))]["name"].toString(),
+              QStringLiteral("q\"uote"));
+    EXPECT_EQ(byPath[Paths::canonicalPath(home.path("Library/Caches/new\nline"))]["name"].toString(),
+              QStringLiteral("new\nline"));
+
+    // A command item has no path and no size, and says what it runs.
+    ASSERT_FALSE(brew.isEmpty());
+    EXPECT_TRUE(brew["path"].isNull());
+    EXPECT_TRUE(brew["size"].isNull());
+    EXPECT_EQ(brew["method"].toString(), QStringLiteral("command"));
+    EXPECT_EQ(brew["command"].toString(), QStringLiteral("brew cleanup -s --prune=all"));
+}
+
+TEST(HeadlessArguments, BadArgumentsFailWithOneLineNamingThemAndChangeNothing) {
+    Fixture fixture;
+    const std::vector<std::string> before = snapshotOf(fixture.home.home());
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{"scan", "--large-threshold-gb", "abc"}, "--large-threshold-gb"},
+        {{"scan", "--add-root", "/nonexistent"}, "--add-root"},
+        {{"scan", "--frobnicate"}, "frobnicate"},
+        {{"clean", "--recommended", "--yes", "--large-threshold-gb", "-1"}, "--large-threshold-gb"},
+        {{"clean", "--recommended", "--yes", "--nope"}, "nope"},
+        {{"clean", "--category", "user.nothing", "--yes"}, "--category"},
+        {{"clean", "--item", fixture.document, "--yes"}, "--item"}, // exists, but no scan finds it
+        {{"clean", "--recommended"}, "--yes"},                      // no terminal to confirm on
+    };
+    for (const auto& [arguments, named] : cases) {
+        const CommandRun run = CommandRun::of(fixture.home, arguments);
+        const std::string shown = arguments[0] + " " + arguments[1];
+        EXPECT_EQ(run.status, 2) << shown << "\n" << run.err;
+        EXPECT_EQ(lineCount(run.err), 1) << shown << "\n" << run.err;
+        EXPECT_NE(run.err.find(named), std::string::npos) << shown << "\n" << run.err;
+        EXPECT_EQ(run.out, "") << shown;
+    }
+    EXPECT_EQ(snapshotOf(fixture.home.home()), before);
+}
+
+TEST(CleanCommand, DryRunShowsTheSummaryAndChangesNothing) {
+    Fixture fixture;
+    const std::vector<std::string> before = snapshotOf(fixture.home.home());
+    const CommandRun run = CommandRun::of(fixture.home, {"clean", "--recommended", "--dry-run"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    // Two caches and the log to the Trash, the old Trash item deleted for good.
+    EXPECT_NE(run.out.find("Clean 4 Items"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("Move to Trash (recoverable)"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("3 items"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("Delete permanently (items already in Trash)"), std::string::npos) << run.out;
+    EXPECT_EQ(run.out.find("Cleaned"), std::string::npos) << run.out;
+    EXPECT_EQ(snapshotOf(fixture.home.home()), before);
+}
+
+TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
+    Fixture fixture;
+    FakeHome& home = fixture.home;
+    const CommandRun run = CommandRun::of(home, {"clean", "--recommended", "--yes"});
+    EXPECT_EQ(run.status, 0) << run.out << run.err;
+    EXPECT_NE(run.out.find("Cleaned 4 Items"), std::string::npos) << run.out;
+    for (const std::string& path : {fixture.cacheA, fixture.cacheB, fixture.log, fixture.oldTrash})
+        EXPECT_FALSE(exists(path)) << path;
+    for (const char* name : {"com.example.a", "com.example.b", "app.log"})
+        EXPECT_TRUE(exists(home.path(std::string(".Trash/") + name))) << name;
+    EXPECT_TRUE(exists(fixture.store));
+    EXPECT_TRUE(exists(fixture.document));
+
+    const std::string fresh = home.makeFileOfSize("Library/Caches/com.example.fresh/blob", 50'000);
+    const CommandRun purged =
+        CommandRun::of(home, {"clean", "--category", "user.caches", "--yes", "--purge"});
+    EXPECT_EQ(purged.status, 0) << purged.out << purged.err;
+    EXPECT_NE(purged.out.find("Cleaned 1 Items"), std::string::npos) << purged.out;
+    EXPECT_NE(purged.out.find("Deleted permanently — freed "), std::string::npos) << purged.out;
+    EXPECT_FALSE(exists(home.path("Library/Caches/com.example.fresh")));
+    EXPECT_FALSE(exists(home.path(".Trash/com.example.fresh")));
+    EXPECT_TRUE(exists(home.path(".Trash/com.example.a"))) << "the purge reached beyond its own clean";
+}
+
+TEST(HeadlessRun, WaitingForTheScanLeavesTheProcessorAlone) {
+    FakeHome home;
+    // The probe holds the scan for three seconds in which nothing happens.
+    installTool(home, "xcrun", "sleep 3\necho 'iPhone (unavailable)'");
+    const CommandRun run = CommandRun::of(home, {"scan"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_GE(run.wallSeconds, 3.0);
+    EXPECT_LT(run.cpuSeconds, 0.5) << "busy-waiting during " << run.wallSeconds << " s";
+}
