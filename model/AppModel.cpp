@@ -10,6 +10,8 @@
 #include <QPointer>
 #include <QQmlEngine>
 
+#include <cmath>
+
 #include <utility>
 
 struct AppModel::Worker {
@@ -29,9 +31,6 @@ AppModel::AppModel(QObject* parent)
     categoryItems_ = new CategoryItemsModel(this, this);
     categoryTable_ = new CategoryItemsProxy(this);
     categoryTable_->setSourceModel(categoryItems_);
-    for (Signal signal : {&AppModel::itemsChanged, &AppModel::itemsByCategoryChanged, &AppModel::selectionChanged,
-                          &AppModel::categoryStateChanged, &AppModel::cleanScopeChanged})
-        connect(this, signal, this, &AppModel::resultsChanged);
 }
 
 AppModel::~AppModel() {
@@ -43,7 +42,9 @@ AppModel::~AppModel() {
     workers_.clear();
 }
 
-AppModel* AppModel::instance() { return sharedInstance; }
+AppModel* AppModel::instance() {
+    return sharedInstance;
+}
 
 AppModel* AppModel::create(QQmlEngine*, QJSEngine*) {
     AppModel* model = sharedInstance;
@@ -87,9 +88,14 @@ void AppModel::stopWorker(uint64_t id) {
             worker.thread.request_stop();
 }
 
-const std::vector<CleanCategory>& AppModel::categories() const { return CleanupRules::categories(); }
+const std::vector<CleanCategory>& AppModel::categories() const {
+    return CleanupRules::categories();
+}
 
 void AppModel::setLargeThresholdGB(double gigabytes) {
+    // Not a size: refused, rather than a threshold every file passes.
+    if (!std::isfinite(gigabytes) || gigabytes < 0)
+        return;
     Changes changes(*this);
     change(changes, largeThresholdGB_, gigabytes, &AppModel::largeThresholdGBChanged);
 }
@@ -111,9 +117,13 @@ void AppModel::setShowResult(bool shown) {
     change(changes, showResult_, shown, &AppModel::showResultChanged);
 }
 
-qint64 AppModel::foundTotal() const { return ScanResults::totalSize(items_); }
+qint64 AppModel::foundTotal() const {
+    return ScanResults::totalSize(items_);
+}
 
-qint64 AppModel::selectedTotal() const { return ScanResults::totalSize(selectedItems()); }
+qint64 AppModel::selectedTotal() const {
+    return ScanResults::totalSize(selectedItems());
+}
 
 QStringList AppModel::extraRootPaths() const {
     QStringList paths;
@@ -125,5 +135,6 @@ QStringList AppModel::extraRootPaths() const {
 void AppModel::refreshEnvironment() {
     Changes changes(*this);
     change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
-    change(changes, hasFullDiskAccess_, Permissions::hasFullDiskAccess(), &AppModel::hasFullDiskAccessChanged);
+    change(changes, hasFullDiskAccess_, Permissions::hasFullDiskAccess(),
+           &AppModel::hasFullDiskAccessChanged);
 }

@@ -15,16 +15,22 @@ public:
     ~Changes() {
         for (Signal signal : signals_)
             (model_.*signal)();
+        for (Signal signal : summaries_)
+            (model_.*signal)();
     }
 
-    void add(Signal signal) {
-        if (std::find(signals_.begin(), signals_.end(), signal) == signals_.end())
-            signals_.push_back(signal);
-    }
+    void add(Signal signal) { addOnce(signals_, signal); }
+    void addSummary(Signal signal) { addOnce(summaries_, signal); }
 
 private:
+    static void addOnce(std::vector<Signal>& list, Signal signal) {
+        if (std::find(list.begin(), list.end(), signal) == list.end())
+            list.push_back(signal);
+    }
+
     AppModel& model_;
     std::vector<Signal> signals_;
+    std::vector<Signal> summaries_;
 };
 
 template <class T> void AppModel::change(Changes& changes, T& field, T value, Signal signal) {
@@ -32,6 +38,11 @@ template <class T> void AppModel::change(Changes& changes, T& field, T value, Si
         return;
     field = std::move(value);
     changes.add(signal);
+    // The summary signals go last, once per step however many of their fields moved.
     if (signal == &AppModel::itemsChanged || signal == &AppModel::selectionChanged)
-        changes.add(&AppModel::totalsChanged);
+        changes.addSummary(&AppModel::totalsChanged);
+    if (signal == &AppModel::itemsChanged || signal == &AppModel::itemsByCategoryChanged ||
+        signal == &AppModel::selectionChanged || signal == &AppModel::categoryStateChanged ||
+        signal == &AppModel::cleanScopeChanged)
+        changes.addSummary(&AppModel::resultsChanged);
 }

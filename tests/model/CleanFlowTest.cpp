@@ -114,6 +114,7 @@ TEST(CleanFlow, TwoOfFiveFailAndTheResultLandsInOneStep) {
         EXPECT_EQ(model.phase(), Phase::ready);
     });
 
+    QSignalSpy results(&model, &AppModel::resultsChanged), totals(&model, &AppModel::totalsChanged);
     model.clean();
     ASSERT_EQ(model.phase(), Phase::cleaning);
     // Neither a scan nor a second clean may start meanwhile.
@@ -124,6 +125,8 @@ TEST(CleanFlow, TwoOfFiveFailAndTheResultLandsInOneStep) {
     ASSERT_TRUE(waitFor([&] { return model.phase() != Phase::cleaning; }));
 
     EXPECT_EQ(itemsNotified, 1);
+    EXPECT_EQ(results.count(), 1); // what the result views derive from, announced once
+    EXPECT_EQ(totals.count(), 1);
     EXPECT_EQ(notified.count("phaseChanged"), 1);
     EXPECT_EQ(notified.count("selectionChanged"), 1);
     EXPECT_TRUE(model.showResult());

@@ -3,6 +3,8 @@
 
 #include "ModelTestSupport.h"
 
+#include <cmath>
+
 using namespace ModelTest;
 
 namespace {
@@ -103,6 +105,8 @@ TEST(Selection, SettersNotifyOncePerRealChange) {
     model.setLargeThresholdGB(1.0); // the initial value
     model.setLargeThresholdGB(2.5);
     model.setLargeThresholdGB(2.5);
+    model.setLargeThresholdGB(std::nan("")); // not a size: refused, and no notification
+    model.setLargeThresholdGB(-1);
     EXPECT_EQ(notified.count("largeThresholdGBChanged"), 1);
     EXPECT_EQ(model.largeThresholdGB(), 2.5);
 
