@@ -9,6 +9,9 @@
 namespace UiServices {
 
 void install(QQmlEngine& engine) {
+    // The module is linked in statically: its qmldir lives in the resources, under
+    // :/Veltro/, which Qt 6.4 does not search by default.
+    engine.addImportPath(QStringLiteral("qrc:/"));
     // The engine takes ownership of the providers.
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
     engine.addImageProvider(QStringLiteral("fileicon"), new FileIconProvider);

@@ -1,6 +1,7 @@
 #pragma once
-// Everything a QML engine needs from C++ before it loads the window: the image
-// providers "symbol" (SymbolImageProvider) and "fileicon" (FileIconProvider).
+// Everything a QML engine needs from C++ before it loads the window: the import path
+// of the statically linked module and the image providers "symbol"
+// (SymbolImageProvider) and "fileicon" (FileIconProvider).
 
 class QQmlEngine;
 

@@ -2,19 +2,23 @@
 // generic file or folder icon), `size` pixels square.
 import QtQuick
 
-Image {
+Item {
     id: root
 
     property string path
     property real size: 18
+    readonly property alias status: image.status
 
     implicitWidth: size
     implicitHeight: size
-    width: implicitWidth
-    height: implicitHeight
-    fillMode: Image.PreserveAspectFit
-    smooth: true
-    sourceSize.width: Math.max(1, Math.ceil(size * Screen.devicePixelRatio))
-    sourceSize.height: Math.max(1, Math.ceil(size * Screen.devicePixelRatio))
-    source: path === "" ? "" : "image://fileicon/" + encodeURIComponent(path)
+
+    Image {
+        id: image
+        anchors.fill: parent
+        fillMode: Image.PreserveAspectFit
+        smooth: true
+        sourceSize.width: Math.max(1, Math.ceil(root.size * Screen.devicePixelRatio))
+        sourceSize.height: Math.max(1, Math.ceil(root.size * Screen.devicePixelRatio))
+        source: root.path === "" ? "" : "image://fileicon/" + encodeURIComponent(root.path)
+    }
 }

@@ -3,21 +3,25 @@
 import QtQuick
 import Veltro
 
-Image {
+Item {
     id: root
 
     property string name
     property color color: Theme.primary
     property real size: 16
+    readonly property alias status: image.status
 
     implicitWidth: size
     implicitHeight: size
-    width: implicitWidth
-    height: implicitHeight
-    fillMode: Image.PreserveAspectFit
-    smooth: true
-    // Render at the screen's pixel density so the icon stays sharp.
-    sourceSize.width: Math.max(1, Math.ceil(size * Screen.devicePixelRatio))
-    sourceSize.height: Math.max(1, Math.ceil(size * Screen.devicePixelRatio))
-    source: name === "" ? "" : "image://symbol/" + name + "?color=" + String(color).substring(1)
+
+    Image {
+        id: image
+        anchors.fill: parent
+        fillMode: Image.PreserveAspectFit
+        smooth: true
+        // Render at the screen's pixel density so the icon stays sharp.
+        sourceSize.width: Math.max(1, Math.ceil(root.size * Screen.devicePixelRatio))
+        sourceSize.height: Math.max(1, Math.ceil(root.size * Screen.devicePixelRatio))
+        source: root.name === "" ? "" : "image://symbol/" + root.name + "?color=" + String(root.color).substring(1)
+    }
 }

@@ -1,0 +1,176 @@
+// The support links, revealing a file in the file manager over D-Bus (or opening its
+// folder when none answers), and reading the desktop's reduce-motion wish.
+
+#include "UiHarness.h"
+
+#include "support/TempTree.h"
+#include "ui/Platform.h"
+#include "ui/SupportLinks.h"
+
+#include <QDBusConnection>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QStandardPaths>
+
+#include <sys/stat.h>
+
+namespace {
+
+// Stands in for a file manager on the bus: records what it was asked to show.
+class FakeFileManager : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+public:
+    QStringList shown;
+    QString startupId;
+public slots:
+    void ShowItems(const QStringList& uris, const QString& id) {
+        shown << uris;
+        startupId = id;
+    }
+};
+
+// A private session bus for this process, ended with the test.
+class PrivateBus {
+public:
+    bool start() {
+        const QString program = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
+        if (program.isEmpty())
+            return false;
+        daemon_.start(program, {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                                QStringLiteral("--print-address=1")});
+        if (!daemon_.waitForStarted(5000) || !daemon_.waitForReadyRead(5000))
+            return false;
+        address_ = QString::fromUtf8(daemon_.readLine().trimmed());
+        return !address_.isEmpty();
+    }
+    ~PrivateBus() {
+        daemon_.terminate();
+        if (!daemon_.waitForFinished(3000))
+            daemon_.kill();
+        daemon_.waitForFinished(3000);
+    }
+    const QString& address() const { return address_; }
+
+private:
+    QProcess daemon_;
+    QString address_;
+};
+
+// Puts a `gsettings` that runs `script` first on PATH for the scope.
+class FakeGsettings {
+public:
+    explicit FakeGsettings(const std::string& script) : previous_(qgetenv("PATH")) {
+        const std::string path = tree_.makeFile("bin/gsettings", "#!/bin/sh\n" + script + "\n");
+        ::chmod(path.c_str(), 0755);
+        qputenv("PATH", QByteArray::fromStdString(tree_.path("bin")) + ':' + previous_);
+    }
+    ~FakeGsettings() { qputenv("PATH", previous_); }
+
+private:
+    TempTree tree_;
+    QByteArray previous_;
+};
+
+} // namespace
+
+TEST(KitPlatform, SupportLinksPointIntoTheWebsite) {
+    Platform* platform = Platform::instance();
+    EXPECT_EQ(platform->website(), QUrl(QStringLiteral("https://veltro.app")));
+    EXPECT_EQ(platform->coffee(), QUrl(QStringLiteral("https://veltro.app/#coffee")));
+    EXPECT_EQ(platform->terms(), QUrl(QStringLiteral("https://veltro.app/terms.html")));
+    EXPECT_EQ(platform->privacy(), QUrl(QStringLiteral("https://veltro.app/privacy.html")));
+    EXPECT_EQ(platform->websiteHost(), "veltro.app");
+    EXPECT_EQ(platform->fullDiskAccessHelpUrl().host(), "veltro.app");
+    EXPECT_TRUE(platform->fullDiskAccessHelpUrl().path().startsWith(QStringLiteral("/help/")));
+    EXPECT_EQ(SupportLinks::coffee().fragment(), "coffee");
+}
+
+TEST(KitPlatform, RevealAsksTheFileManagerOrOpensTheParentFolder) {
+    PrivateBus bus;
+    if (!bus.start())
+        GTEST_SKIP() << "dbus-daemon is not available";
+    qputenv("DBUS_SESSION_BUS_ADDRESS", bus.address().toUtf8());
+    ASSERT_TRUE(QDBusConnection::sessionBus().isConnected());
+
+    TempTree tree;
+    const QString file = QString::fromStdString(tree.makeFile("Reports/Q1 #final.pdf", "x"));
+    const QUrl parent = QUrl::fromLocalFile(QString::fromStdString(tree.path("Reports")));
+    Platform* platform = Platform::instance();
+    UrlRecorder opened;
+
+    // Nobody owns the file manager's name: the folder opens instead.
+    {
+        QSignalSpy finished(platform, &Platform::revealFinished);
+        platform->revealInFileViewer(file);
+        ASSERT_TRUE(UiHarness::waitFor([&] { return finished.count() == 1; }, 5000));
+        EXPECT_EQ(finished.at(0).at(0).toString(), file);
+        EXPECT_FALSE(finished.at(0).at(1).toBool());
+        ASSERT_EQ(opened.urls().size(), 1);
+        EXPECT_EQ(opened.urls().first(), parent);
+    }
+
+    // A file manager on the bus is asked to show the file itself.
+    QDBusConnection service =
+        QDBusConnection::connectToBus(bus.address(), QStringLiteral("kit-file-manager"));
+    ASSERT_TRUE(service.isConnected());
+    FakeFileManager manager;
+    ASSERT_TRUE(service.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager,
+                                       QDBusConnection::ExportAllSlots));
+    ASSERT_TRUE(service.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+    {
+        QSignalSpy finished(platform, &Platform::revealFinished);
+        platform->revealInFileViewer(file);
+        ASSERT_TRUE(UiHarness::waitFor([&] { return finished.count() == 1; }, 5000));
+        EXPECT_TRUE(finished.at(0).at(1).toBool());
+        ASSERT_EQ(manager.shown.size(), 1);
+        EXPECT_EQ(QUrl(manager.shown.first()), QUrl::fromLocalFile(file));
+        EXPECT_TRUE(manager.shown.first().contains(QStringLiteral("%23")))
+            << manager.shown.first().toStdString();
+        EXPECT_EQ(manager.startupId, QString());
+        EXPECT_EQ(opened.urls().size(), 1) << "no folder opened this time";
+    }
+    service.unregisterService(QStringLiteral("org.freedesktop.FileManager1"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("kit-file-manager"));
+}
+
+TEST(KitPlatform, ReducedMotionFollowsTheDesktopSettingWithinOneSecond) {
+    {
+        FakeGsettings gsettings(
+            "[ \"$*\" = 'get org.gnome.desktop.interface enable-animations' ] && echo false");
+        EXPECT_TRUE(Platform::readDesktopReduceMotion());
+    }
+    {
+        FakeGsettings gsettings("echo true");
+        EXPECT_FALSE(Platform::readDesktopReduceMotion());
+    }
+    {
+        // No such schema: an error, so motion stays on.
+        FakeGsettings gsettings("echo 'No such schema' >&2; exit 1");
+        EXPECT_FALSE(Platform::readDesktopReduceMotion());
+    }
+    {
+        FakeGsettings gsettings("exec sleep 5");
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_FALSE(Platform::readDesktopReduceMotion(300));
+        EXPECT_LT(timer.elapsed(), 2000);
+    }
+}
+
+TEST(KitPlatform, ReduceMotionNotifiesOnlyOnChange) {
+    Platform* platform = Platform::instance();
+    ReduceMotionScope scope(false);
+    QSignalSpy changed(platform, &Platform::reduceMotionChanged);
+    platform->setReduceMotion(false);
+    EXPECT_EQ(changed.count(), 0);
+    platform->setReduceMotion(true);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_TRUE(platform->reduceMotion());
+    platform->setReduceMotion(true);
+    EXPECT_EQ(changed.count(), 1);
+}
+
+#include "KitPlatformTest.moc"

@@ -1,0 +1,148 @@
+// Every symbol name the views can ask for has an icon that exists and draws, and the
+// symbol image provider tints and sizes what it draws.
+
+#include "UiHarness.h"
+
+#include "catalogue/CleanupRules.h"
+#include "systemdata/SystemDataCatalog.h"
+#include "ui/SymbolImageProvider.h"
+#include "ui/SymbolMap.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QImage>
+#include <QRegularExpression>
+#include <QSet>
+
+namespace {
+
+// Index just past the brace matching the one at `open`.
+qsizetype matchingBrace(const QString& text, qsizetype open) {
+    int depth = 0;
+    for (qsizetype i = open; i < text.size(); ++i) {
+        if (text[i] == QLatin1Char('{'))
+            ++depth;
+        else if (text[i] == QLatin1Char('}') && --depth == 0)
+            return i + 1;
+    }
+    return text.size();
+}
+
+// The string literals on the line of each `<property>:` binding in `text`.
+void collectLiterals(const QString& text, const QString& property, QSet<QString>* names) {
+    static const QRegularExpression literal(QStringLiteral("\"([^\"]+)\""));
+    const QRegularExpression binding(QStringLiteral("\\b%1\\s*:([^\\n]*)").arg(property));
+    for (auto match = binding.globalMatch(text); match.hasNext();) {
+        const QString expression = match.next().captured(1);
+        for (auto found = literal.globalMatch(expression); found.hasNext();)
+            names->insert(found.next().captured(1));
+    }
+}
+
+// Symbol names written in the QML of ui/: `symbol: "…"`, `systemImage: "…"`, and
+// `name: "…"` directly inside a `Symbol { }`.
+QSet<QString> namesInQml(QStringList* files) {
+    QSet<QString> names;
+    QDirIterator it(QStringLiteral(VELTRO_SOURCE_DIR "/ui"), {QStringLiteral("*.qml")}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    static const QRegularExpression symbolBlock(QStringLiteral("\\bSymbol\\s*\\{"));
+    while (it.hasNext()) {
+        const QString path = it.next();
+        files->append(path);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+        const QString text = QString::fromUtf8(file.readAll());
+        collectLiterals(text, QStringLiteral("symbol"), &names);
+        collectLiterals(text, QStringLiteral("systemImage"), &names);
+        for (auto match = symbolBlock.globalMatch(text); match.hasNext();) {
+            const auto block = match.next();
+            const qsizetype open = block.capturedEnd() - 1;
+            QString body = text.mid(open + 1, matchingBrace(text, open) - open - 2);
+            // Only the Symbol's own bindings, not those of nested objects.
+            for (qsizetype brace = body.indexOf(QLatin1Char('{')); brace >= 0;
+                 brace = body.indexOf(QLatin1Char('{')))
+                body.remove(brace, matchingBrace(body, brace) - brace);
+            collectLiterals(body, QStringLiteral("name"), &names);
+        }
+    }
+    return names;
+}
+
+bool hasInk(const QImage& image) {
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (qAlpha(image.pixel(x, y)) > 0)
+                return true;
+    return false;
+}
+
+} // namespace
+
+TEST(KitSymbols, EveryNameInUseHasAnIconThatDraws) {
+    QStringList files;
+    QSet<QString> names = namesInQml(&files);
+    ASSERT_FALSE(files.isEmpty());
+    // The footer's own symbols prove the scan reads the kit.
+    ASSERT_TRUE(names.contains(QStringLiteral("cup.and.saucer.fill")));
+    ASSERT_TRUE(names.contains(QStringLiteral("arrow.up.right")));
+    for (const CleanCategory& category : CleanupRules::categories())
+        names.insert(QString::fromStdString(category.symbol));
+    for (const SystemDataEntry& entry : SystemDataCatalog::entries())
+        names.insert(QString::fromStdString(entry.symbol));
+    // Plus every name of the table, so a mistyped file name is caught too.
+    for (const QString& name : SymbolMap::symbolNames())
+        names.insert(name);
+
+    QStringList unmapped, missing, blank;
+    for (const QString& name : names) {
+        const QString path = SymbolMap::resourcePath(name);
+        if (path.isEmpty())
+            unmapped << name;
+        else if (!QFile::exists(path))
+            missing << name + QStringLiteral(" -> ") + path;
+        else if (!hasInk(SymbolImageProvider::render(name, Qt::black, 24)))
+            blank << name;
+    }
+    unmapped.sort();
+    EXPECT_TRUE(unmapped.isEmpty()) << "No icon mapped for: " << unmapped.join(", ").toStdString();
+    EXPECT_TRUE(missing.isEmpty()) << "Icon file missing: " << missing.join(", ").toStdString();
+    EXPECT_TRUE(blank.isEmpty()) << "Icon draws nothing: " << blank.join(", ").toStdString();
+}
+
+TEST(KitSymbols, ProviderTintsAtTheRequestedSize) {
+    SymbolImageProvider provider;
+    QSize size;
+    const QImage red = provider.requestImage(QStringLiteral("trash?color=ff0000"), &size, QSize(24, 24));
+    EXPECT_EQ(size, QSize(24, 24));
+    ASSERT_EQ(red.size(), QSize(24, 24));
+    int inked = 0;
+    for (int y = 0; y < red.height(); ++y)
+        for (int x = 0; x < red.width(); ++x) {
+            const QColor pixel = red.pixelColor(x, y);
+            if (pixel.alpha() == 0)
+                continue;
+            ++inked;
+            EXPECT_EQ(pixel.green(), 0);
+            EXPECT_EQ(pixel.blue(), 0);
+            EXPECT_GT(pixel.red(), 200) << "at " << x << "," << y;
+        }
+    EXPECT_GT(inked, 24 * 24 / 8);
+
+    // An opacity in the colour scales the ink's; the '#' may come encoded.
+    const QImage half =
+        provider.requestImage(QStringLiteral("trash?color=%2380ffffff"), &size, QSize(24, 24));
+    int strongest = 0;
+    for (int y = 0; y < half.height(); ++y)
+        for (int x = 0; x < half.width(); ++x)
+            strongest = std::max(strongest, qAlpha(half.pixel(x, y)));
+    EXPECT_NEAR(strongest, 128, 2);
+
+    // A name without an icon gives a transparent image and says so.
+    UiHarness::takeMessages();
+    const QImage unknown = provider.requestImage(QStringLiteral("no.such.symbol"), &size, QSize(16, 16));
+    EXPECT_EQ(unknown.size(), QSize(16, 16));
+    EXPECT_FALSE(hasInk(unknown));
+    const QStringList messages = UiHarness::takeMessages();
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages.first().contains(QStringLiteral("no.such.symbol")));
+}

@@ -1,0 +1,114 @@
+#include "UiHarness.h"
+
+#include "ui/Platform.h"
+#include "ui/UiServices.h"
+
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QElapsedTimer>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QTest>
+
+namespace UiHarness {
+namespace {
+
+QMutex mutex;
+QStringList recorded;
+QtMessageHandler previous = nullptr;
+
+void record(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (type != QtDebugMsg && type != QtInfoMsg) {
+        QMutexLocker lock(&mutex);
+        recorded << message;
+    }
+    if (previous)
+        previous(type, context, message);
+}
+
+} // namespace
+
+void startRecording() {
+    previous = qInstallMessageHandler(record);
+}
+
+QStringList takeMessages() {
+    QMutexLocker lock(&mutex);
+    QStringList taken;
+    taken.swap(recorded);
+    return taken;
+}
+
+bool waitFor(const std::function<bool()>& done, int timeoutMs) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!done()) {
+        if (timer.elapsed() > timeoutMs)
+            return done();
+        QTest::qWait(10);
+    }
+    return true;
+}
+
+void spin(int ms) {
+    QTest::qWait(ms);
+}
+
+} // namespace UiHarness
+
+UrlRecorder::UrlRecorder(const QStringList& schemes) : schemes_(schemes) {
+    for (const QString& scheme : schemes_)
+        QDesktopServices::setUrlHandler(scheme, this, "open");
+}
+
+UrlRecorder::~UrlRecorder() {
+    for (const QString& scheme : schemes_)
+        QDesktopServices::unsetUrlHandler(scheme);
+}
+
+ReduceMotionScope::ReduceMotionScope(bool on) : previous_(Platform::instance()->reduceMotion()) {
+    Platform::instance()->setReduceMotion(on);
+}
+
+ReduceMotionScope::~ReduceMotionScope() {
+    Platform::instance()->setReduceMotion(previous_);
+}
+
+void QmlTest::SetUp() {
+    UiHarness::takeMessages();
+}
+
+void QmlTest::TearDown() {
+    if (window_)
+        window_->close();
+    engine_.reset();
+    QCoreApplication::processEvents();
+    const QStringList messages = UiHarness::takeMessages();
+    EXPECT_TRUE(messages.isEmpty()) << "Warnings while the test ran:\n" << messages.join('\n').toStdString();
+}
+
+QQmlApplicationEngine& QmlTest::engine() {
+    if (!engine_) {
+        engine_ = std::make_unique<QQmlApplicationEngine>();
+        UiServices::install(*engine_);
+    }
+    return *engine_;
+}
+
+QQuickWindow* QmlTest::loadInWindow(const QByteArray& body, int width, int height) {
+    const QByteArray text = "import QtQuick\n"
+                            "import QtQuick.Window\n"
+                            "import Veltro\n"
+                            "Window {\n"
+                            "    width: " +
+                            QByteArray::number(width) + "; height: " + QByteArray::number(height) +
+                            "\n    visible: true\n" + body + "\n}\n";
+    engine().loadData(text, QUrl(QStringLiteral("qrc:/kit-test/TestWindow.qml")));
+    const auto roots = engine().rootObjects();
+    window_ = roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.last());
+    EXPECT_NE(window_, nullptr) << "The test window did not load";
+    if (window_) {
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(window_));
+    }
+    return window_;
+}
