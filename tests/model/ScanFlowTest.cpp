@@ -79,6 +79,8 @@ TEST(ScanFlow, FinishedScanMarksEveryCategoryDoneSortsAndNeverMovesBackwards) {
     EXPECT_EQ(model.scanStepCount(), static_cast<int>(model.categories().size()));
     for (const CleanCategory& category : model.categories())
         EXPECT_EQ(model.stateOf(QString::fromStdString(category.id)), State::done) << category.id;
+    for (CategoryGroup group : CategoryGroups::allCases())
+        EXPECT_EQ(model.state(group), State::done);
 
     // Only categories that found something have a list, sorted largest first.
     EXPECT_EQ(keysOf(model.itemsByCategory()), (std::set<std::string>{"user.caches", "user.logs"}));
