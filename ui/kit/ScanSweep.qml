@@ -60,7 +60,7 @@ Item {
             running: !Theme.reduceMotion && root.visible
             from: 0
             to: 360
-            duration: 1400
+            duration: Theme.duration(1400)
             loops: Animation.Infinite
             direction: RotationAnimation.Clockwise
             onRunningChanged: if (!running) ring.rotation = 0

@@ -44,7 +44,7 @@ Item {
         running: root.shown && root.visible
         from: -1
         to: 1
-        duration: 1300
+        duration: Theme.duration(1300)
         loops: Animation.Infinite
         onRunningChanged: if (!running) root.phase = -1
     }

@@ -10,6 +10,7 @@ AbstractButton {
     objectName: "supportFooter"
 
     readonly property url link: Platform.coffee
+    readonly property string helpText: qsTr("Opens %1 in your browser").arg(Platform.websiteHost)
 
     leftPadding: 12
     rightPadding: 12
@@ -71,6 +72,6 @@ AbstractButton {
     onClicked: Platform.openUrl(link)
 
     ToolTip.visible: hovered
-    ToolTip.text: qsTr("Opens %1 in your browser").arg(Platform.websiteHost)
+    ToolTip.text: helpText
     ToolTip.delay: 600
 }
