@@ -2,6 +2,7 @@
 // the window uses; without one it opens the window.
 
 #include "app/CleanCommand.h"
+#include "app/GuiApp.h"
 #include "app/ScanCommand.h"
 #include "platform/Localized.h"
 
@@ -34,7 +35,6 @@ int runHeadless(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Veltro"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELTRO_VERSION));
-    routeTextsThroughQt();
     const QStringList arguments = QCoreApplication::arguments();
     const QString command = arguments.value(1);
     if (command == QLatin1String("scan"))
@@ -45,7 +45,7 @@ int runHeadless(int argc, char* argv[]) {
         QTextStream(stdout) << "Veltro " << QCoreApplication::applicationVersion() << '\n';
         return 0;
     }
-    if (command == QLatin1String("--help") || command == QLatin1String("-h") || command.isEmpty()) {
+    if (command == QLatin1String("--help") || command == QLatin1String("-h")) {
         QTextStream(stdout) << usage();
         return 0;
     }
@@ -55,4 +55,8 @@ int runHeadless(int argc, char* argv[]) {
 
 } // namespace
 
-int main(int argc, char* argv[]) { return runHeadless(argc, argv); }
+int main(int argc, char* argv[]) {
+    // First, before anything reads a catalogue text.
+    routeTextsThroughQt();
+    return GuiApp::wanted(argc, argv) ? GuiApp::run(argc, argv) : runHeadless(argc, argv);
+}

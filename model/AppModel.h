@@ -22,6 +22,7 @@
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
+#include <QtQml/qqml.h>
 #include <QtQml/qqmlregistration.h>
 
 #include <cstdint>
@@ -38,8 +39,8 @@ class QJSEngine;
 
 class AppModel : public QObject {
     Q_OBJECT
-    QML_ELEMENT
-    QML_SINGLETON
+    // Reaches QML as the singleton AppModel through AppModelSingleton below.
+    QML_ANONYMOUS
 
 public:
     enum class Phase { idle, scanning, ready, cleaning };
@@ -347,4 +348,19 @@ private:
     CategoryListModel* categoryList_ = nullptr;
     CategoryItemsModel* categoryItems_ = nullptr;
     CategoryItemsProxy* categoryTable_ = nullptr;
+};
+
+// QML's name for the model. Qt 6.4 default-constructs a default-constructible
+// singleton rather than asking its create(), which would give QML a second, empty
+// model; registering through this wrapper makes QML ask AppModel::create().
+struct AppModelSingleton {
+    Q_GADGET
+    QML_FOREIGN(AppModel)
+    QML_NAMED_ELEMENT(AppModel)
+    QML_SINGLETON
+
+public:
+    static AppModel* create(QQmlEngine* engine, QJSEngine* scriptEngine) {
+        return AppModel::create(engine, scriptEngine);
+    }
 };

@@ -1,0 +1,276 @@
+// The System Data screen in the real window: before and after an analysis (run by a
+// stand-in authorisation tool, so the real measurement script measures the fake home
+// and the mostly absent system folders), a dismissed password dialog, the composition
+// bar's order, and the confirmation of an action.
+
+#include "UiHarness.h"
+#include "WindowFixture.h"
+
+#include "platform/ShellQuote.h"
+#include "removal/Privileged.h"
+#include "removal/Shell.h"
+#include "ui/Format.h"
+
+#include <QQuickItem>
+
+#include <fstream>
+#include <sys/stat.h>
+
+namespace {
+
+const QStringList reducibleIDs{"tm", "vm", "unifiedlogs", "spotlight", "simruntimes"};
+const QStringList managedIDs{"vmdisks", "folders", "assets", "dbother", "appsupport", "containers", "mailmsg"};
+
+// Installs an authorisation tool for the object's lifetime, then restores the platform's.
+class AuthorizationToolScope {
+public:
+    explicit AuthorizationToolScope(Privileged::AuthorizationTool tool) {
+        Privileged::setAuthorizationTool(std::move(tool));
+    }
+    ~AuthorizationToolScope() { Privileged::setAuthorizationTool({}); }
+};
+
+// Runs the script as this process, the way the platform's tool does once allowed.
+Shell::Output runScript(const std::string& script, const std::string&, double timeout) {
+    return Shell::run("/bin/sh " + shellQuote(script), timeout);
+}
+
+int linesIn(const std::string& path) {
+    std::ifstream file(path);
+    int lines = 0;
+    for (std::string line; std::getline(file, line);)
+        ++lines;
+    return lines;
+}
+
+bool exists(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0;
+}
+
+} // namespace
+
+class SystemData : public WindowTest {
+protected:
+    void showScreen() {
+        navigate("systemData");
+        ASSERT_TRUE(UiHarness::waitFor([&] { return window()->findChild<QObject*>("systemDataView") != nullptr; }));
+    }
+    void installTool(const std::string& name, const std::string& body) {
+        const std::string path = home().makeFile(".docker/bin/" + name, "#!/bin/sh\n" + body + "\n");
+        ASSERT_EQ(::chmod(path.c_str(), 0755), 0);
+    }
+    bool visible(const QString& name) { return read(name, "visible").toBool(); }
+    QString sizeText(const QString& id) { return text("systemSize_" + id); }
+    bool actionEnabled(const QString& id) { return read("systemAction_" + id, "enabled").toBool(); }
+
+    // Scrolls the screen so that `target` lies inside it, then clicks it.
+    void clickOnScreen(const QString& name) {
+        QQuickItem* target = item(name);
+        ASSERT_NE(target, nullptr);
+        auto* scroller = qobject_cast<QQuickItem*>(find("systemDataScroller"));
+        ASSERT_NE(scroller, nullptr);
+        auto* content = scroller->property("contentItem").value<QQuickItem*>();
+        const qreal y = target->mapToItem(content, QPointF(0, 0)).y();
+        const qreal limit = std::max<qreal>(0, scroller->property("contentHeight").toReal() - scroller->height());
+        scroller->setProperty("contentY", std::clamp<qreal>(y - 60, 0, limit));
+        UiHarness::spin(20);
+        click(target);
+    }
+    bool analysisEnds() {
+        return UiHarness::waitFor([&] { return !model().systemAnalyzing(); }, 60000);
+    }
+};
+
+TEST_F(SystemData, BeforeAnyAnalysisEverySizeIsUnknown) {
+    home().makeDir("Library/Mail");
+    showScreen();
+
+    EXPECT_EQ(text("systemTitle"), "System Data");
+    EXPECT_EQ(text("systemSubtitle"), "What macOS files under “System Data” in Settings → Storage.");
+    EXPECT_EQ(text("analyzeButton"), "Analyze");
+    EXPECT_EQ(read("analyzeButton", "symbol").toString(), "chart.pie");
+    EXPECT_EQ(text("systemTotal"), "0 KB");
+    EXPECT_FALSE(visible("compositionBar"));
+    EXPECT_EQ(read("systemNote", "text").toString(), "Needs your administrator password · read-only");
+    EXPECT_FALSE(visible("systemMessage"));
+    EXPECT_EQ(text("reducibleSectionTitle"), "Can Be Reduced");
+    EXPECT_EQ(text("managedSectionTitle"), "Managed by macOS");
+
+    const QVariantList entries = model().systemEntries();
+    ASSERT_EQ(entries.size(), 12);
+    for (const QVariant& value : entries) {
+        const QVariantMap entry = value.toMap();
+        const QString id = entry["id"].toString();
+        const bool actionable = reducibleIDs.contains(id);
+        ASSERT_TRUE(actionable || managedIDs.contains(id)) << id.toStdString();
+        EXPECT_EQ(sizeText(id), "—") << id.toStdString();
+        EXPECT_EQ(text("systemTitle_" + id), entry["title"].toString());
+        // The reason to keep hands off for managed areas, the explanation otherwise.
+        EXPECT_EQ(text("systemNote_" + id),
+                  actionable ? entry["detail"].toString() : entry["protectedNote"].toString());
+        EXPECT_EQ(read("systemAction_" + id, "visible").toBool(), actionable) << id.toStdString();
+        if (actionable) {
+            EXPECT_EQ(text("systemAction_" + id), entry["actionTitle"].toString());
+            EXPECT_TRUE(actionEnabled(id)) << id.toStdString();
+        }
+    }
+    // Rows stand in catalogue order within their sections.
+    qreal lastY = -1;
+    for (const QString& id : reducibleIDs + managedIDs) {
+        QQuickItem* row = item("systemRow_" + id);
+        ASSERT_NE(row, nullptr);
+        const qreal y = row->mapToScene(QPointF(0, 0)).y();
+        EXPECT_GT(y, lastY) << id.toStdString();
+        lastY = y;
+    }
+
+    // Only an area with a folder that exists can be shown in the file viewer.
+    EXPECT_TRUE(visible("systemReveal_mailmsg"));
+    EXPECT_FALSE(visible("systemReveal_vm"));
+    EXPECT_FALSE(visible("systemReveal_tm"));
+}
+
+TEST_F(SystemData, AnAnalysisFillsTheSizesAndTheSnapshotCount) {
+    AuthorizationToolScope tool(runScript);
+    home().makeFileOfSize("Library/Mail/V10/inbox.mbox", 200'000);
+    showScreen();
+
+    clickOnScreen("analyzeButton");
+    ASSERT_TRUE(model().systemAnalyzing());
+    // At once: the busy label, and placeholders where nothing is measured yet.
+    EXPECT_EQ(text("analyzeButton"), "Analyzing…");
+    EXPECT_TRUE(visible("analyzeBusy"));
+    EXPECT_TRUE(visible("compositionBar"));
+    EXPECT_TRUE(visible("systemMeasuring_vm"));
+    EXPECT_TRUE(visible("systemMeasuring_tm"));
+    EXPECT_FALSE(visible("systemSize_vm"));
+    ASSERT_TRUE(analysisEnds());
+
+    EXPECT_EQ(text("analyzeButton"), "Re-analyze");
+    EXPECT_FALSE(visible("analyzeBusy"));
+    EXPECT_FALSE(visible("systemMeasuring_vm"));
+    EXPECT_TRUE(model().systemMessage().isEmpty());
+    EXPECT_FALSE(visible("systemMessage"));
+    const QVariantMap sizes = model().systemSizes();
+    ASSERT_TRUE(sizes.contains("mailmsg"));
+    EXPECT_GE(sizes["mailmsg"].toLongLong(), 200'000);
+    EXPECT_EQ(sizeText("mailmsg"), Format::byteCount(sizes["mailmsg"].toLongLong()));
+    EXPECT_EQ(sizeText("vm"), "0 KB");
+    EXPECT_EQ(text("systemTotal"), Format::byteCount(model().systemMeasuredTotal()));
+    // Nothing purgeable: no line at all.
+    EXPECT_EQ(model().systemPurgeable(), 0);
+    EXPECT_EQ(read("systemNote", "text").toString(), "");
+    // The bar holds only what measured above zero.
+    const QStringList order = read("compositionBar", "order").toStringList();
+    EXPECT_TRUE(order.contains("mailmsg"));
+    EXPECT_FALSE(order.contains("vm"));
+    EXPECT_FALSE(order.contains("tm"));
+    // No snapshots: "None", and nothing to delete.
+    EXPECT_EQ(sizeText("tm"), "None");
+    EXPECT_EQ(text("systemAction_tm"), "Delete All Snapshots");
+    EXPECT_FALSE(actionEnabled("tm"));
+    EXPECT_TRUE(actionEnabled("vm"));
+
+    installTool("tmutil", "echo com.apple.TimeMachine.2024-05-01-101010.local");
+    clickOnScreen("analyzeButton");
+    ASSERT_TRUE(analysisEnds());
+    EXPECT_EQ(sizeText("tm"), "1 snapshots");
+    EXPECT_TRUE(actionEnabled("tm"));
+}
+
+TEST_F(SystemData, ADismissedPasswordDialogLeavesTheScreenUnmeasured) {
+    AuthorizationToolScope tool([](const std::string&, const std::string&, double) {
+        return Shell::Output{1, "", "-128: the dialog was dismissed"};
+    });
+    showScreen();
+    clickOnScreen("analyzeButton");
+    ASSERT_TRUE(analysisEnds());
+
+    EXPECT_TRUE(visible("systemMessage"));
+    EXPECT_EQ(read("systemMessage", "text").toString(), "Authentication was cancelled");
+    EXPECT_EQ(text("analyzeButton"), "Analyze");
+    EXPECT_EQ(text("systemTotal"), "0 KB");
+    EXPECT_FALSE(visible("compositionBar"));
+    EXPECT_EQ(read("systemNote", "text").toString(), "Needs your administrator password · read-only");
+    for (const QString& id : reducibleIDs + managedIDs)
+        EXPECT_EQ(sizeText(id), "—") << id.toStdString();
+}
+
+TEST_F(SystemData, EqualAreasKeepCatalogueOrderInTheCompositionBar) {
+    // The tool answers for the script: every area 100 KiB (the databases' figure
+    // includes the logs, which are subtracted), and two snapshots.
+    AuthorizationToolScope tool([](const std::string&, const std::string&, double) {
+        return Shell::Output{0,
+                             "vm|100\nunifiedlogs|100\nspotlight|100\nsimruntimes|100\nvmdisks|100\n"
+                             "folders|100\nassets|100\ndbother|200\nappsupport|100\ncontainers|100\n"
+                             "mailmsg|100\ntm|2\n",
+                             ""};
+    });
+    showScreen();
+    clickOnScreen("analyzeButton");
+    ASSERT_TRUE(analysisEnds());
+
+    const QStringList expected{"vm",     "unifiedlogs", "spotlight", "simruntimes", "vmdisks",   "folders",
+                               "assets", "dbother",     "appsupport", "containers",  "mailmsg"};
+    EXPECT_EQ(read("compositionBar", "order").toStringList(), expected);
+    EXPECT_EQ(text("systemTotal"), Format::byteCount(11 * 102'400));
+    EXPECT_EQ(sizeText("tm"), "2 snapshots");
+    for (const QString& id : expected) {
+        EXPECT_EQ(sizeText(id), Format::byteCount(102'400)) << id.toStdString();
+        // Every bar full: each area is as large as the largest.
+        EXPECT_DOUBLE_EQ(read("systemRow_" + id, "fraction").toDouble(), 1.0) << id.toStdString();
+    }
+}
+
+TEST_F(SystemData, AnActionRunsOnlyAfterContinueAndOneAtATime) {
+    const std::string marker = home().path("xcrun-runs");
+    installTool("xcrun", "echo run >> " + shellQuote(marker) +
+                             "\nsleep 1\necho 'simctl: no runtimes found' >&2\nexit 3");
+    showScreen();
+
+    // Cancel: nothing runs.
+    clickOnScreen("systemAction_simruntimes");
+    ASSERT_TRUE(UiHarness::waitFor([&] { return read("systemActionDialog", "opened").toBool(); }));
+    EXPECT_EQ(text("systemActionTitle"), "Delete Runtimes Unused for 30 Days");
+    EXPECT_EQ(text("systemActionMessage"),
+              "Deleted runtimes must be re-downloaded from Xcode → Settings → Platforms if needed.");
+    EXPECT_EQ(text("systemActionCancel"), "Cancel");
+    EXPECT_EQ(text("systemActionContinue"), "Continue");
+    click(item("systemActionCancel"));
+    ASSERT_TRUE(UiHarness::waitFor([&] { return !read("systemActionDialog", "visible").toBool(); }));
+    EXPECT_TRUE(read("systemDataView", "pending").isNull());
+
+    // Escape dismisses it the same way.
+    clickOnScreen("systemAction_vm");
+    ASSERT_TRUE(UiHarness::waitFor([&] { return read("systemActionDialog", "opened").toBool(); }));
+    EXPECT_EQ(text("systemActionTitle"), "Delete sleepimage");
+    key(Qt::Key_Escape);
+    ASSERT_TRUE(UiHarness::waitFor([&] { return !read("systemActionDialog", "visible").toBool(); }));
+    EXPECT_TRUE(read("systemDataView", "pending").isNull());
+    UiHarness::spin(200);
+    EXPECT_TRUE(model().systemRunningEntry().isEmpty());
+    EXPECT_FALSE(model().hasRunningWork());
+    EXPECT_FALSE(exists(marker));
+
+    // Continue: exactly this action, and every action button waits for it.
+    clickOnScreen("systemAction_simruntimes");
+    ASSERT_TRUE(UiHarness::waitFor([&] { return read("systemActionDialog", "opened").toBool(); }));
+    click(item("systemActionContinue"));
+    ASSERT_EQ(model().systemRunningEntry(), "simruntimes");
+    EXPECT_TRUE(read("systemDataView", "pending").isNull());
+    EXPECT_TRUE(UiHarness::waitFor([&] { return !read("systemActionDialog", "visible").toBool(); }));
+    EXPECT_TRUE(visible("systemActionBusy_simruntimes"));
+    EXPECT_FALSE(visible("systemActionBusy_vm"));
+    for (const QString& id : reducibleIDs)
+        EXPECT_FALSE(actionEnabled(id)) << id.toStdString();
+
+    ASSERT_TRUE(UiHarness::waitFor([&] { return model().systemRunningEntry().isEmpty(); }, 30000));
+    EXPECT_EQ(linesIn(marker), 1);
+    EXPECT_FALSE(visible("systemActionBusy_simruntimes"));
+    EXPECT_TRUE(visible("systemMessage"));
+    EXPECT_EQ(read("systemMessage", "text").toString(),
+              "iOS Simulator Runtimes & Devices: simctl: no runtimes found");
+    for (const QString& id : reducibleIDs)
+        EXPECT_TRUE(actionEnabled(id)) << id.toStdString();
+}

@@ -1,0 +1,92 @@
+// The floating action bar and its scan pill, state by state.
+
+#include "UiHarness.h"
+#include "WindowFixture.h"
+#include "ui/Format.h"
+
+TEST_F(WindowTest, ActionBarShowsWhatCanBeDoneNext) {
+    const QString bar = QStringLiteral("actionBar");
+    EXPECT_EQ(read(bar, "mode").toString(), "empty");
+    EXPECT_EQ(read(bar, "implicitHeight").toDouble(), 0);
+
+    // A scan stopped before it found anything leaves the bar empty.
+    model().scan();
+    EXPECT_EQ(read(bar, "mode").toString(), "scanning");
+    model().cancelScan();
+    ASSERT_FALSE(model().hasLastScan());
+    EXPECT_EQ(read(bar, "mode").toString(), "empty");
+
+    // Before the first category starts, the pill is preparing, at step 0 of all.
+    model().scan();
+    EXPECT_EQ(read(bar, "mode").toString(), "scanning");
+    EXPECT_EQ(text("scanPillTitle"), "Preparing scan…");
+    EXPECT_EQ(read("scanPillTile", "symbol").toString(), "sparkle.magnifyingglass");
+    EXPECT_EQ(text("scanPillStep"), QString("0 of %1").arg(model().categories().size()));
+    EXPECT_EQ(text("scanPillPercent"), Format::percent(0));
+
+    // While a category is measured the pill names it, with its symbol and step.
+    int checkedSteps = 0;
+    QObject::connect(&model(), &AppModel::categoryStateChanged, window(), [&] {
+        const QString id = model().scanningCategory();
+        if (id.isEmpty())
+            return;
+        const auto category = model().category(id);
+        ASSERT_TRUE(category.has_value());
+        EXPECT_EQ(text("scanPillTitle"), "Scanning " + QString::fromStdString(category->title) + "…");
+        EXPECT_EQ(read("scanPillTile", "symbol").toString(), QString::fromStdString(category->symbol));
+        EXPECT_EQ(text("scanPillStep"),
+                  QString("%1 of %2").arg(model().scanStep()).arg(model().scanStepCount()));
+        EXPECT_EQ(text("scanPillPercent"), Format::percent(model().scanProgress()));
+        ++checkedSteps;
+    });
+    ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
+    EXPECT_GT(checkedSteps, 0);
+
+    // Nothing checked: the hint, whose button checks the recommended items.
+    EXPECT_EQ(read(bar, "mode").toString(), "hint");
+    EXPECT_EQ(text("hintText"), "Check items to clean, or");
+    EXPECT_EQ(text("selectRecommendedButton"), "Select Recommended");
+    ASSERT_TRUE(UiHarness::waitFor([&] { return item("selectRecommendedButton")->isVisible(); }));
+    click(item("selectRecommendedButton"));
+    ASSERT_GT(model().selectionCount(), 0);
+    EXPECT_EQ(read(bar, "mode").toString(), "summary");
+    EXPECT_EQ(text("selectionCountText"), QString("%1 items selected").arg(model().selectionCount()));
+    EXPECT_EQ(text("selectedTotalText"), Format::byteCount(model().selectedTotal()));
+
+    ASSERT_TRUE(UiHarness::waitFor([&] { return item("deselectButton")->isVisible(); }));
+    click(item("deselectButton"));
+    EXPECT_EQ(model().selectionCount(), 0);
+    EXPECT_EQ(read(bar, "mode").toString(), "hint");
+
+    // Ctrl+Return asks to clean everything checked, whatever scope came before.
+    const QString key = someItemKey("user.caches");
+    ASSERT_FALSE(key.isEmpty());
+    model().setItemSelected(key, true);
+    model().requestClean("user.logs");
+    ASSERT_FALSE(model().showConfirm());
+    this->key(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(model().cleanScope(), "");
+    ASSERT_TRUE(model().showConfirm());
+    EXPECT_TRUE(UiHarness::waitFor([&] { return read("confirmSheet", "opened").toBool(); }));
+    this->key(Qt::Key_Escape);
+    EXPECT_TRUE(UiHarness::waitFor([&] { return !read("confirmSheet", "visible").toBool(); }));
+    EXPECT_FALSE(model().showConfirm());
+
+    // Cleaning: progress and the cleaner's message, cut in the middle when long.
+    model().clean();
+    EXPECT_EQ(read(bar, "mode").toString(), "cleaning");
+    EXPECT_EQ(read("cleanStatus", "elide").toInt(), Qt::ElideMiddle);
+    EXPECT_EQ(text("cleanStatus"), model().statusText());
+    ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
+    EXPECT_EQ(read(bar, "mode").toString(), "hint");
+    model().setShowResult(false);
+
+    // The Stop button ends a scan.
+    model().scan();
+    ASSERT_TRUE(UiHarness::waitFor([&] { return item("stopButton")->isVisible(); }));
+    if (model().phase() == AppModel::Phase::scanning) {
+        click(item("stopButton"));
+        EXPECT_NE(model().phase(), AppModel::Phase::scanning);
+    }
+    EXPECT_TRUE(UiHarness::waitFor([&] { return !model().hasRunningWork(); }, 30000));
+}

@@ -1,0 +1,144 @@
+#include "WindowFixture.h"
+
+#include "UiHarness.h"
+#include "ui/UiServices.h"
+
+#include <QCoreApplication>
+#include <QSet>
+#include <QTest>
+
+#include <ctime>
+#include <sys/stat.h>
+#include <utime.h>
+
+namespace {
+
+// Delegates made by a Repeater have no QObject parent, only a visual one, so the
+// search walks both trees.
+QObject* findNamed(QObject* object, const QString& name, QSet<QObject*>& seen) {
+    if (!object || seen.contains(object))
+        return nullptr;
+    seen.insert(object);
+    if (object->objectName() == name)
+        return object;
+    for (QObject* child : object->children())
+        if (QObject* found = findNamed(child, name, seen))
+            return found;
+    if (auto* item = qobject_cast<QQuickItem*>(object))
+        for (QQuickItem* child : item->childItems())
+            if (QObject* found = findNamed(child, name, seen))
+                return found;
+    return nullptr;
+}
+
+void collectNamed(QObject* object, const QString& name, QSet<QObject*>& seen, QList<QObject*>& found) {
+    if (!object || seen.contains(object))
+        return;
+    seen.insert(object);
+    if (object->objectName() == name)
+        found << object;
+    for (QObject* child : object->children())
+        collectNamed(child, name, seen, found);
+    if (auto* item = qobject_cast<QQuickItem*>(object))
+        for (QQuickItem* child : item->childItems())
+            collectNamed(child, name, seen, found);
+}
+
+void makeOld(const std::string& path, int days) {
+    const time_t then = std::time(nullptr) - time_t(days) * 24 * 3600;
+    const utimbuf times{then, then};
+    ASSERT_EQ(::utime(path.c_str(), &times), 0) << path;
+}
+
+} // namespace
+
+void WindowTest::SetUp() {
+    UiHarness::takeMessages();
+
+    // Something in several groups, and categories that stay empty.
+    home_.makeFileOfSize("Library/Caches/com.example.editor/blob.bin", 300'000);
+    home_.makeFileOfSize("Library/Caches/org.example.player/data/cache.db", 120'000);
+    home_.makeFileOfSize("Library/Logs/example.log", 40'000);
+    home_.makeFileOfSize(".Trash/old-report.pdf", 200'000);
+    home_.makeFileOfSize("Library/Saved Application State/com.example.editor.savedState/data.data", 8'000);
+    home_.makeFileOfSize(".npm/_cacache/index-v5/aa", 50'000);
+    makeOld(home_.makeFileOfSize("Downloads/installer.zip", 90'000), 200);
+
+    model_ = std::make_unique<AppModel>();
+    engine_ = std::make_unique<QQmlApplicationEngine>();
+    engine_->addImportPath(QStringLiteral("qrc:/"));
+    UiServices::install(*engine_);
+    engine_->load(QUrl(QStringLiteral("qrc:/Veltro/Main.qml")));
+    const auto roots = engine_->rootObjects();
+    window_ = roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.constFirst());
+    ASSERT_NE(window_, nullptr) << "Main.qml did not load";
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window_));
+}
+
+void WindowTest::TearDown() {
+    if (window_)
+        window_->close();
+    engine_.reset();
+    QCoreApplication::processEvents();
+    // A scan still winding down is stopped and joined by the model's destructor.
+    model_.reset();
+    const QStringList messages = UiHarness::takeMessages();
+    EXPECT_TRUE(messages.isEmpty()) << "Warnings while the test ran:\n" << messages.join('\n').toStdString();
+}
+
+QObject* WindowTest::find(const QString& name) {
+    QSet<QObject*> seen;
+    QObject* found = findNamed(window_, name, seen);
+    if (!found && window_)
+        found = findNamed(window_->contentItem(), name, seen);
+    EXPECT_NE(found, nullptr) << "no object named " << name.toStdString();
+    return found;
+}
+
+QList<QObject*> WindowTest::findAll(const QString& name) {
+    QSet<QObject*> seen;
+    QList<QObject*> found;
+    collectNamed(window_, name, seen, found);
+    if (window_)
+        collectNamed(window_->contentItem(), name, seen, found);
+    return found;
+}
+
+QVariant WindowTest::read(const QString& name, const char* property) {
+    QObject* object = find(name);
+    return object ? object->property(property) : QVariant();
+}
+
+void WindowTest::click(QQuickItem* target, Qt::MouseButton button) {
+    ASSERT_NE(target, nullptr);
+    const QPointF centre = target->mapToScene(QPointF(target->width() / 2, target->height() / 2));
+    QTest::mouseClick(window_, button, Qt::NoModifier, centre.toPoint());
+}
+
+void WindowTest::key(int keyCode, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(window_, Qt::Key(keyCode), modifiers);
+}
+
+bool WindowTest::waitForPhase(AppModel::Phase phase, int timeoutMs) {
+    return UiHarness::waitFor([&] { return model_->phase() == phase; }, timeoutMs);
+}
+
+bool WindowTest::scanToEnd() {
+    model_->scan();
+    return UiHarness::waitFor([&] { return model_->phase() != AppModel::Phase::scanning; }, 30000);
+}
+
+QString WindowTest::someItemKey(const QString& categoryID) {
+    for (const QVariant& entry : model_->largestItems()) {
+        const QVariantMap item = entry.toMap();
+        if (item.value("categoryId").toString() == categoryID)
+            return item.value("key").toString();
+    }
+    return {};
+}
+
+void WindowTest::navigate(const QString& kind, const QString& categoryID) {
+    QObject* content = find(QStringLiteral("contentView"));
+    ASSERT_NE(content, nullptr);
+    QMetaObject::invokeMethod(content, "navigate", Q_ARG(QVariant, kind), Q_ARG(QVariant, categoryID));
+}

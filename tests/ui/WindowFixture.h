@@ -1,0 +1,58 @@
+#pragma once
+// The real window over the real model: a fake home with some junk, one AppModel, and
+// Main.qml loaded offscreen exactly as the application loads it. Fails the test on any
+// warning recorded while it ran.
+
+#include "model/AppModel.h"
+#include "support/FakeHome.h"
+
+#include <QList>
+#include <QPointF>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QString>
+#include <QVariant>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+class WindowTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    AppModel& model() { return *model_; }
+    QQuickWindow* window() const { return window_; }
+    FakeHome& home() { return home_; }
+
+    // The object named `name` anywhere under the window (menus included), or null with
+    // a test failure.
+    QObject* find(const QString& name);
+    // Every object named `name`, in no particular order.
+    QList<QObject*> findAll(const QString& name);
+    QQuickItem* item(const QString& name) { return qobject_cast<QQuickItem*>(find(name)); }
+    QVariant read(const QString& name, const char* property);
+    QString text(const QString& name) { return read(name, "text").toString(); }
+
+    // Real pointer events at the centre of `item`.
+    void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton);
+    void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+
+    // Starts a scan and waits until it ends (true) or 30 s pass (false).
+    bool scanToEnd();
+    bool waitForPhase(AppModel::Phase phase, int timeoutMs = 30000);
+
+    // The key of one found item of `categoryID`, or "".
+    QString someItemKey(const QString& categoryID);
+
+    // The route through the content view's own function.
+    void navigate(const QString& kind, const QString& categoryID = {});
+
+private:
+    FakeHome home_;
+    std::unique_ptr<AppModel> model_;
+    std::unique_ptr<QQmlApplicationEngine> engine_;
+    QQuickWindow* window_ = nullptr;
+};

@@ -1,0 +1,31 @@
+// The model's folder chooser is the window's folder dialog.
+
+#include "UiHarness.h"
+#include "WindowFixture.h"
+
+#include <QUrl>
+
+TEST_F(WindowTest, AddingASearchFolderGoesThroughTheFolderDialog) {
+    QObject* dialog = find("folderDialog");
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->property("acceptLabel").toString(), "Add");
+    EXPECT_EQ(dialog->property("title").toString(), "Choose folders or drives to search for large files");
+    const QString folder = QString::fromStdString(home().makeDir("Projects/Media"));
+
+    // Dismissed: nothing is added.
+    model().addRoot();
+    ASSERT_TRUE(UiHarness::waitFor([&] { return dialog->property("visible").toBool(); }));
+    QMetaObject::invokeMethod(dialog, "reject");
+    ASSERT_TRUE(UiHarness::waitFor([&] { return !dialog->property("visible").toBool(); }));
+    EXPECT_TRUE(model().extraRoots().empty());
+
+    // Confirmed: the chosen folder joins the search, once however often it is chosen.
+    for (int round = 0; round < 2; ++round) {
+        model().addRoot();
+        ASSERT_TRUE(UiHarness::waitFor([&] { return dialog->property("visible").toBool(); }));
+        dialog->setProperty("selectedFolder", QUrl::fromLocalFile(folder));
+        QMetaObject::invokeMethod(dialog, "accept");
+        ASSERT_TRUE(UiHarness::waitFor([&] { return !dialog->property("visible").toBool(); }));
+    }
+    EXPECT_EQ(model().extraRoots(), AppModel::RootList{folder.toStdString()});
+}

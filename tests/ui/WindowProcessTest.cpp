@@ -1,0 +1,133 @@
+// The application as a process: the window's own run (which also shows that closing
+// the window ends the process), the commands that must not need a display, and the
+// desktop integration files.
+
+#include "support/FakeHome.h"
+#include "support/TempTree.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct ProcessRun {
+    bool finished = false;
+    int exitCode = -1;
+    QString out, err;
+};
+
+ProcessRun runProcess(const QString& program, const QStringList& arguments,
+                      const QProcessEnvironment& environment, int timeoutMs = 60000) {
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    ProcessRun run;
+    run.finished = process.waitForStarted() && process.waitForFinished(timeoutMs);
+    if (!run.finished)
+        process.kill();
+    process.waitForFinished();
+    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    run.out = QString::fromLocal8Bit(process.readAllStandardOutput());
+    run.err = QString::fromLocal8Bit(process.readAllStandardError());
+    return run;
+}
+
+QProcessEnvironment environmentFor(const FakeHome& home) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("HOME", QString::fromStdString(home.home()));
+    environment.insert("TMPDIR", QString::fromStdString(home.tmp()));
+    return environment;
+}
+
+QString tool(const char* name) {
+    return QStandardPaths::findExecutable(QString::fromLatin1(name));
+}
+
+} // namespace
+
+TEST(WindowProcess, ScreenshotRunPicturesTheWindowAndEndsWhenItCloses) {
+    FakeHome home;
+    home.makeFileOfSize("Library/Caches/com.example.editor/blob.bin", 300'000);
+    home.makeFileOfSize("Library/Logs/example.log", 40'000);
+    const QString shots = QString::fromStdString(home.tree().makeDir("shots"));
+
+    QProcessEnvironment environment = environmentFor(home);
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
+    const ProcessRun run = runProcess(VELTRO_BINARY, {"--screenshot-dir", shots}, environment);
+    ASSERT_TRUE(run.finished) << "the process did not end after its window closed";
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+
+    QImage pictures[4];
+    const char* names[] = {"window-before.png", "window-during.png", "window-after.png",
+                           "window-selected.png"};
+    for (int i = 0; i < 4; ++i) {
+        ASSERT_TRUE(pictures[i].load(QDir(shots).filePath(names[i]))) << names[i];
+        EXPECT_EQ(pictures[i].size(), QSize(1180, 760)) << names[i];
+    }
+    // Each moment looks different: sizes appear, the pill comes and goes, items get checked.
+    EXPECT_NE(pictures[0], pictures[1]);
+    EXPECT_NE(pictures[1], pictures[2]);
+    EXPECT_NE(pictures[2], pictures[3]);
+}
+
+TEST(WindowProcess, CommandsRunWithoutADisplay) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // A window would need one of these; the commands must not try.
+    environment.remove("DISPLAY");
+    environment.remove("WAYLAND_DISPLAY");
+    environment.insert("QT_QPA_PLATFORM", "xcb");
+
+    ProcessRun version = runProcess(VELTRO_BINARY, {"--version"}, environment);
+    ASSERT_TRUE(version.finished);
+    EXPECT_EQ(version.exitCode, 0) << version.err.toStdString();
+    EXPECT_TRUE(version.out.startsWith("Veltro ")) << version.out.toStdString();
+
+    ProcessRun help = runProcess(VELTRO_BINARY, {"--help"}, environment);
+    ASSERT_TRUE(help.finished);
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_TRUE(help.out.contains("veltro scan")) << help.out.toStdString();
+
+    ProcessRun unknown = runProcess(VELTRO_BINARY, {"--screenshot-dir"}, environment);
+    ASSERT_TRUE(unknown.finished);
+    EXPECT_EQ(unknown.exitCode, 2) << "an option without its value is refused before any window opens";
+}
+
+TEST(DesktopIntegration, EntryAndMetadataValidateAndInstall) {
+    const QString source = QStringLiteral(VELTRO_SOURCE_DIR);
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+
+    const QString desktopValidate = tool("desktop-file-validate");
+    const QString appstream = tool("appstreamcli");
+    if (desktopValidate.isEmpty() || appstream.isEmpty())
+        GTEST_SKIP() << "desktop-file-utils and appstream are installed by scripts/bootstrap";
+
+    const ProcessRun entry = runProcess(desktopValidate, {source + "/app/veltro.desktop"}, environment);
+    ASSERT_TRUE(entry.finished);
+    EXPECT_EQ(entry.exitCode, 0) << entry.out.toStdString() << entry.err.toStdString();
+    EXPECT_EQ(entry.out.trimmed(), "") << "hints or warnings from desktop-file-validate";
+
+    const ProcessRun metadata = runProcess(
+        appstream, {"validate", "--no-net", source + "/app/app.veltro.Veltro.metainfo.xml"}, environment);
+    ASSERT_TRUE(metadata.finished);
+    EXPECT_EQ(metadata.exitCode, 0) << metadata.out.toStdString() << metadata.err.toStdString();
+
+    TempTree prefix;
+    const QString root = QString::fromStdString(prefix.makeDir("prefix"));
+    const ProcessRun install =
+        runProcess(VELTRO_CMAKE, {"--install", VELTRO_BINARY_DIR, "--prefix", root}, environment);
+    ASSERT_TRUE(install.finished);
+    ASSERT_EQ(install.exitCode, 0) << install.out.toStdString() << install.err.toStdString();
+    for (const char* installed : {"bin/veltro", "share/applications/app.veltro.Veltro.desktop",
+                                  "share/metainfo/app.veltro.Veltro.metainfo.xml",
+                                  "share/icons/hicolor/scalable/apps/app.veltro.Veltro.svg"})
+        EXPECT_TRUE(QFileInfo::exists(root + "/" + installed)) << installed;
+    EXPECT_TRUE(QFileInfo(root + "/bin/veltro").isExecutable());
+    const QImage icon(root + "/share/icons/hicolor/scalable/apps/app.veltro.Veltro.svg");
+    EXPECT_FALSE(icon.isNull()) << "the icon should be a readable SVG";
+}

@@ -1,0 +1,158 @@
+// The sidebar: rows that live through a scan, the checked size in the accent colour,
+// the category context menu, and following the scan.
+
+#include "UiHarness.h"
+#include "WindowFixture.h"
+#include "ui/Format.h"
+
+#include <QColor>
+
+#include <tuple>
+#include <vector>
+
+namespace {
+
+const QColor accentColour(QStringLiteral("#5b72d6"));
+
+// What a row shows: spinner, dimmed title, trailing text.
+using RowLook = std::tuple<bool, bool, QString>;
+
+RowLook lookOf(QObject* row) {
+    return {row->property("scanning").toBool(), row->property("dimTitle").toBool(),
+            row->property("trailing").toString()};
+}
+
+} // namespace
+
+TEST_F(WindowTest, CategoryRowsGoFromDimThroughScanningToTheirSize) {
+    for (const CleanCategory& category : model().categories()) {
+        QObject* row = find("categoryRow_" + QString::fromStdString(category.id));
+        ASSERT_NE(row, nullptr);
+        EXPECT_EQ(lookOf(row), RowLook(false, true, "")) << category.id;
+        EXPECT_FALSE(row->property("active").toBool()) << category.id;
+    }
+    auto groupTotal = [&](const char* group) {
+        QObject* header = find(QString("groupHeader_") + group);
+        return header ? header->findChild<QObject*>("groupTotal") : nullptr;
+    };
+    const char* groups[] = {"user", "system", "developer", "apps", "large"};
+    for (const char* group : groups) {
+        ASSERT_NE(groupTotal(group), nullptr) << group;
+        EXPECT_FALSE(groupTotal(group)->property("visible").toBool()) << group;
+    }
+    EXPECT_EQ(read("systemDataRow", "trailing").toString(), "");
+
+    // Each change of a row's look, as the views show it right after the model's step.
+    QObject* found = find("categoryRow_user.caches");
+    QObject* empty = find("categoryRow_user.mail");
+    ASSERT_TRUE(found && empty);
+    std::vector<RowLook> foundLooks{lookOf(found)}, emptyLooks{lookOf(empty)};
+    QString lastStarted;
+    QObject::connect(&model(), &AppModel::categoryStateChanged, found, [&] {
+        if (lookOf(found) != foundLooks.back())
+            foundLooks.push_back(lookOf(found));
+        if (lookOf(empty) != emptyLooks.back())
+            emptyLooks.push_back(lookOf(empty));
+        if (!model().scanningCategory().isEmpty())
+            lastStarted = model().scanningCategory();
+    });
+    ASSERT_TRUE(scanToEnd());
+
+    const QString cachesSize = Format::byteCount(model().totalSize("user.caches"));
+    EXPECT_EQ(foundLooks,
+              (std::vector<RowLook>{{false, true, ""}, {true, false, ""}, {false, false, cachesSize}}));
+    EXPECT_EQ(emptyLooks.front(), RowLook(false, true, ""));
+    EXPECT_EQ(emptyLooks.back(), RowLook(false, true, "—"));
+    EXPECT_TRUE(found->property("active").toBool());
+    EXPECT_FALSE(empty->property("active").toBool());
+
+    // Group headers show their totals once the group is done.
+    for (const char* group : groups) {
+        QObject* total = groupTotal(group);
+        EXPECT_EQ(total->property("text").toString(), Format::byteCount(model().groupTotalSize(group)))
+            << group;
+        EXPECT_TRUE(UiHarness::waitFor([&] { return total->property("visible").toBool(); })) << group;
+    }
+
+    // The list followed the scan: the last category started sits in the middle (as far
+    // as the list can scroll), and the end of the scan did not move it back.
+    ASSERT_FALSE(lastStarted.isEmpty());
+    auto* list = item("sidebarList");
+    auto* lastRow = item("categoryRow_" + lastStarted);
+    ASSERT_TRUE(list && lastRow);
+    auto* content = list->property("contentItem").value<QQuickItem*>();
+    const double middle = lastRow->mapToItem(content, QPointF(0, lastRow->height() / 2)).y();
+    const double maxY = list->property("contentHeight").toDouble() - list->height();
+    ASSERT_GT(maxY, 0) << "the sidebar should be taller than the window for this test";
+    const double expected = std::clamp(middle - list->height() / 2, 0.0, maxY);
+    EXPECT_GT(expected, 0);
+    EXPECT_TRUE(UiHarness::waitFor([&] {
+        return std::abs(list->property("contentY").toDouble() - expected) < 1;
+    })) << "contentY "
+        << list->property("contentY").toDouble() << ", expected " << expected;
+}
+
+TEST_F(WindowTest, CheckingAnItemShowsTheCheckedSizeInTheAccentColour) {
+    ASSERT_TRUE(scanToEnd());
+    QObject* row = find("categoryRow_user.caches");
+    ASSERT_NE(row, nullptr);
+    auto* label = row->findChild<QObject*>("trailingLabel");
+    ASSERT_NE(label, nullptr);
+    const QString total = Format::byteCount(model().totalSize("user.caches"));
+    EXPECT_EQ(row->property("trailing").toString(), total);
+    EXPECT_NE(label->property("color").value<QColor>(), accentColour);
+
+    const QString key = someItemKey("user.caches");
+    ASSERT_FALSE(key.isEmpty());
+    model().setItemSelected(key, true);
+    const QString checked = Format::byteCount(model().selectedSize("user.caches"));
+    ASSERT_NE(checked, total) << "the category should hold more than the checked item";
+    EXPECT_EQ(row->property("trailing").toString(), checked);
+    EXPECT_TRUE(row->property("accent").toBool());
+    EXPECT_EQ(label->property("text").toString(), checked);
+    EXPECT_EQ(label->property("color").value<QColor>(), accentColour);
+
+    model().setItemSelected(key, false);
+    EXPECT_EQ(row->property("trailing").toString(), total);
+    EXPECT_NE(label->property("color").value<QColor>(), accentColour);
+}
+
+TEST_F(WindowTest, CategoryContextMenuSelectsAndCleansOnlyWhenItMay) {
+    QObject* menu = find("categoryMenu");
+    QObject* cleanItem = find("menuCleanCategory");
+    ASSERT_TRUE(menu && cleanItem);
+    ASSERT_TRUE(scanToEnd());
+
+    click(item("categoryRow_user.caches"), Qt::RightButton);
+    ASSERT_TRUE(UiHarness::waitFor([&] { return menu->property("opened").toBool(); }));
+    EXPECT_EQ(menu->property("categoryId").toString(), "user.caches");
+    EXPECT_FALSE(cleanItem->property("enabled").toBool()) << "nothing is checked yet";
+
+    QMetaObject::invokeMethod(find("menuSelectAllInCategory"), "triggered");
+    EXPECT_EQ(model().selectedCount("user.caches"), model().itemCountOf("user.caches"));
+    EXPECT_TRUE(cleanItem->property("enabled").toBool());
+    QMetaObject::invokeMethod(find("menuDeselectAllInCategory"), "triggered");
+    EXPECT_EQ(model().selectedCount("user.caches"), 0);
+    EXPECT_FALSE(cleanItem->property("enabled").toBool());
+    QMetaObject::invokeMethod(find("menuSelectAllInCategory"), "triggered");
+
+    // Not while scanning, even with checked items (the previous ticks are kept aside).
+    model().scan();
+    ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
+    EXPECT_FALSE(cleanItem->property("enabled").toBool());
+    ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
+    ASSERT_GT(model().selectedCount("user.caches"), 0);
+    EXPECT_TRUE(cleanItem->property("enabled").toBool());
+
+    QMetaObject::invokeMethod(cleanItem, "triggered");
+    EXPECT_EQ(model().cleanScope(), "user.caches");
+    EXPECT_TRUE(model().showConfirm());
+
+    // Not while cleaning either.
+    model().setShowConfirm(false);
+    model().clean();
+    ASSERT_EQ(model().phase(), AppModel::Phase::cleaning);
+    EXPECT_FALSE(cleanItem->property("enabled").toBool());
+    ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
+    model().setShowResult(false);
+}

@@ -1,0 +1,127 @@
+// The window's menus: the application menu (titled with the product name), the scan
+// commands with their shortcuts, and the support links. Each command's enabled state
+// follows the model like any view.
+import QtQuick
+import QtQuick.Controls
+import Veltro
+import Veltro.Model
+
+MenuBar {
+    id: root
+    objectName: "menuBar"
+
+    signal quitRequested()
+
+    readonly property bool busy: AppModel.phase === AppModel.Phase.scanning
+                                 || AppModel.phase === AppModel.Phase.cleaning
+
+    // Exposed for tests and for anyone driving the commands without opening a menu.
+    readonly property alias rescanAction: rescan
+    readonly property alias stopScanAction: stopScan
+    readonly property alias selectRecommendedAction: selectRecommended
+    readonly property alias deselectAllAction: deselectAll
+    readonly property alias cleanSelectedAction: cleanSelected
+
+    Menu {
+        objectName: "applicationMenu"
+        title: "Veltro"
+
+        MenuItem {
+            objectName: "menuCoffee"
+            text: qsTr("Buy Me a Coffee…")
+            onTriggered: Platform.openUrl(Platform.coffee)
+        }
+        MenuSeparator {}
+        MenuItem {
+            objectName: "menuQuit"
+            action: Action {
+                text: qsTr("Quit Veltro")
+                shortcut: StandardKey.Quit
+                onTriggered: root.quitRequested()
+            }
+        }
+    }
+
+    Menu {
+        objectName: "scanMenu"
+        title: qsTr("Scan")
+
+        MenuItem {
+            objectName: "menuRescan"
+            action: Action {
+                id: rescan
+                text: qsTr("Rescan")
+                shortcut: "Ctrl+R"
+                enabled: !root.busy
+                onTriggered: AppModel.scan()
+            }
+        }
+        MenuItem {
+            objectName: "menuStopScan"
+            action: Action {
+                id: stopScan
+                text: qsTr("Stop Scan")
+                shortcut: "Ctrl+."
+                enabled: AppModel.phase === AppModel.Phase.scanning
+                onTriggered: AppModel.cancelScan()
+            }
+        }
+        MenuSeparator {}
+        MenuItem {
+            objectName: "menuSelectRecommended"
+            action: Action {
+                id: selectRecommended
+                text: qsTr("Select Recommended")
+                enabled: AppModel.itemCount > 0 && !root.busy
+                onTriggered: AppModel.selectRecommended()
+            }
+        }
+        MenuItem {
+            objectName: "menuDeselectAll"
+            action: Action {
+                id: deselectAll
+                text: qsTr("Deselect All")
+                enabled: AppModel.selectionCount > 0 && !root.busy
+                onTriggered: AppModel.clearSelection()
+            }
+        }
+        MenuItem {
+            objectName: "menuCleanSelected"
+            action: Action {
+                id: cleanSelected
+                text: qsTr("Clean Selected Items…")
+                shortcut: "Ctrl+Backspace"
+                enabled: AppModel.selectionCount > 0 && !root.busy
+                // Always every ticked item: a scope left by a category's own clean is dropped.
+                onTriggered: AppModel.requestClean("")
+            }
+        }
+    }
+
+    Menu {
+        objectName: "helpMenu"
+        title: qsTr("Help")
+
+        MenuItem {
+            objectName: "menuWebsite"
+            text: qsTr("Veltro Website")
+            onTriggered: Platform.openUrl(Platform.website)
+        }
+        MenuItem {
+            objectName: "menuHelpCoffee"
+            text: qsTr("Buy Me a Coffee…")
+            onTriggered: Platform.openUrl(Platform.coffee)
+        }
+        MenuSeparator {}
+        MenuItem {
+            objectName: "menuTerms"
+            text: qsTr("Terms of Use")
+            onTriggered: Platform.openUrl(Platform.terms)
+        }
+        MenuItem {
+            objectName: "menuPrivacy"
+            text: qsTr("Privacy Policy")
+            onTriggered: Platform.openUrl(Platform.privacy)
+        }
+    }
+}

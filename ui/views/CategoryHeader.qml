@@ -1,0 +1,211 @@
+// The top of a category's screen: its identity, risk, total and item count, the
+// filter of the item table, and the row of actions on its items.
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Veltro
+import Veltro.Model
+
+Item {
+    id: root
+    objectName: "categoryHeader"
+
+    property string categoryId
+    // The category as AppModel.categoryInfo gives it.
+    property var info: ({})
+    // The category's figures, replaced as one object so that they change together:
+    // count, total, selected, selectedSize.
+    property var figures: ({ count: 0, total: 0, selected: 0, selectedSize: 0 })
+    property string commonLocation
+    // Scanning or cleaning: the actions wait.
+    property bool busy: false
+
+    readonly property int count: figures.count
+    readonly property real totalSize: figures.total
+    readonly property int selected: figures.selected
+    readonly property real selectedSize: figures.selectedSize
+    readonly property bool allSelected: count > 0 && selected === count
+    readonly property bool large: info.group === "large"
+    readonly property alias filterField: filter
+
+    implicitHeight: column.implicitHeight + 24 + 4
+
+    ColumnLayout {
+        id: column
+        anchors.fill: parent
+        anchors.leftMargin: 28
+        anchors.rightMargin: 28
+        anchors.topMargin: 24
+        anchors.bottomMargin: 4
+        spacing: 16
+
+        RowLayout {
+            spacing: 16
+            Layout.fillWidth: true
+
+            IconTile {
+                objectName: "categoryIconTile"
+                symbol: root.info.symbol !== undefined ? root.info.symbol : ""
+                tint: root.info.tint !== undefined ? root.info.tint : Theme.gray
+                size: 52
+                active: true
+                pulsing: false
+            }
+
+            ColumnLayout {
+                spacing: 4
+                Layout.fillWidth: true
+
+                RowLayout {
+                    spacing: 8
+                    Layout.fillWidth: true
+
+                    Text {
+                        objectName: "categoryTitle"
+                        text: root.info.title !== undefined ? root.info.title : ""
+                        color: Theme.primary
+                        font.pixelSize: Theme.title
+                        font.weight: Font.Bold
+                        elide: Text.ElideRight
+                        maximumLineCount: 1
+                        Layout.fillWidth: true
+                        Layout.maximumWidth: implicitWidth
+                    }
+
+                    Pill {
+                        objectName: "riskPill"
+                        text: root.info.riskLabel !== undefined ? root.info.riskLabel : ""
+                        color: root.info.risk === "safe" ? Theme.green
+                             : root.info.risk === "caution" ? Theme.orange : Theme.red
+                    }
+
+                    Item {
+                        Layout.fillWidth: true
+                    }
+                }
+
+                Text {
+                    id: detail
+                    objectName: "categoryDetail"
+                    text: root.info.detail !== undefined ? root.info.detail : ""
+                    color: Theme.secondary
+                    font.pixelSize: Theme.body
+                    elide: Text.ElideRight
+                    maximumLineCount: 1
+                    Layout.fillWidth: true
+
+                    HoverHandler {
+                        id: detailHover
+                    }
+                    ToolTip.visible: detailHover.hovered
+                    ToolTip.text: text
+                    ToolTip.delay: 600
+                }
+            }
+
+            ColumnLayout {
+                spacing: 2
+                Layout.alignment: Qt.AlignVCenter
+
+                CategoryNumericText {
+                    objectName: "categoryTotal"
+                    text: root.count > 0 ? Format.byteCount(root.totalSize) : "—"
+                    font.pixelSize: 30
+                    font.weight: Font.Bold
+                    color: Theme.primary
+                    Layout.alignment: Qt.AlignRight
+                }
+
+                Text {
+                    objectName: "categoryItemCount"
+                    text: qsTr("%1 items").arg(Format.integer(root.count))
+                    color: Theme.secondary
+                    font.pixelSize: Theme.callout
+                    Layout.alignment: Qt.AlignRight
+                }
+            }
+
+            CategoryFilterField {
+                id: filter
+                text: AppModel.categoryTable.filterText
+                onTextEdited: AppModel.categoryTable.filterText = text
+                Layout.alignment: Qt.AlignVCenter
+                Layout.preferredWidth: 200
+            }
+        }
+
+        RowLayout {
+            id: actions
+            objectName: "categoryActionRow"
+            spacing: 10
+            visible: root.count >= 1 || root.large
+            enabled: !root.busy
+            Layout.fillWidth: true
+
+            GlassButton {
+                objectName: "selectAllButton"
+                visible: root.count >= 1
+                text: root.allSelected ? qsTr("Deselect All") : qsTr("Select All")
+                symbol: root.allSelected ? "circle" : "checkmark.circle"
+                onClicked: AppModel.setAll(root.categoryId, !root.allSelected)
+            }
+
+            RowLayout {
+                objectName: "commonLocationLabel"
+                visible: root.commonLocation !== ""
+                spacing: 6
+                Layout.fillWidth: true
+                Layout.maximumWidth: implicitWidth
+                Layout.minimumWidth: 60
+
+                Symbol {
+                    name: "folder"
+                    color: Theme.secondary
+                    size: Theme.callout
+                }
+                Text {
+                    objectName: "commonLocationText"
+                    text: root.commonLocation
+                    color: Theme.secondary
+                    font.pixelSize: Theme.callout
+                    elide: Text.ElideMiddle
+                    maximumLineCount: 1
+                    Layout.fillWidth: true
+                }
+            }
+
+            Item {
+                Layout.fillWidth: true
+            }
+
+            LargeFileOptions {
+                visible: root.large
+            }
+
+            ProminentButton {
+                id: cleanButton
+                objectName: "cleanCategoryButton"
+
+                // Whether the button is wanted; it fades to this.
+                readonly property bool shown: root.selected >= 1
+                // The label keeps the last checked size while it fades out.
+                property string fadingSize
+
+                text: qsTr("Clean %1").arg(shown ? Format.byteCount(root.selectedSize) : fadingSize)
+                symbol: "sparkles"
+                opacity: shown ? 1 : 0
+                visible: opacity > 0
+                ToolTip.visible: hovered
+                ToolTip.text: qsTr("Clean only the checked items in this category")
+                ToolTip.delay: 600
+                onClicked: AppModel.requestClean(root.categoryId)
+
+                Behavior on opacity {
+                    NumberAnimation { duration: Theme.duration(200); easing.type: Easing.InOutQuad }
+                }
+
+                onTextChanged: if (shown) fadingSize = Format.byteCount(root.selectedSize)
+            }
+        }
+    }
+}
