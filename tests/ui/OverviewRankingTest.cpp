@@ -207,7 +207,7 @@ TEST_F(OverviewRanking, ItemRowChecksAndRevealsItsFile) {
     QSignalSpy finished(Platform::instance(), &Platform::revealFinished);
     clickVisible(reveal);
     EXPECT_TRUE(UiHarness::waitFor([&] { return reveal->opacity() == 1; }));
-    ASSERT_TRUE(UiHarness::waitFor([&] { return finished.count() == 1; }, 5000));
+    ASSERT_TRUE(UiHarness::waitFor([&] { return finished.count() == 1; }, 15000));
     EXPECT_EQ(finished.at(0).at(0).toString(), row->property("path").toString());
 }
 
