@@ -84,8 +84,10 @@ void ScreenshotTour::save(const QString& name) {
         return;
     }
     const QString path = directory_.filePath(name);
-    const QImage image = window_->grabWindow();
-    if (image.isNull() || !image.save(path)) {
+    // The window is opaque: without the alpha channel and fully compressed the files
+    // stay small enough to keep in the repository.
+    const QImage image = window_->grabWindow().convertToFormat(QImage::Format_RGB888);
+    if (image.isNull() || !image.save(path, "PNG", 0)) {
         QTextStream(stderr) << "veltro: could not save " << path << '\n';
         succeeded_ = false;
         return;
