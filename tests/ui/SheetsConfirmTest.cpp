@@ -111,9 +111,11 @@ TEST_F(Sheets, ConfirmListsEveryRemovalMethodAndCountsAdministratorCommandsTwice
 
     EXPECT_FALSE(visible("confirmScopeTitle"));
     EXPECT_EQ(text("confirmTitle"), "Clean 4 Items");
-    EXPECT_EQ(text("confirmTotal"), "About " + Format::byteCount(sizeOf(cache) + sizeOf(trashed)) + " in total");
+    EXPECT_EQ(text("confirmTotal"),
+              "About " + Format::byteCount(sizeOf(cache) + sizeOf(trashed)) + " in total");
     EXPECT_EQ(read("confirmTrashRow", "title").toString(), "Move to Trash (recoverable)");
-    EXPECT_EQ(read("confirmTrashRow", "valueText").toString(), "1 items · " + Format::byteCount(sizeOf(cache)));
+    EXPECT_EQ(read("confirmTrashRow", "valueText").toString(),
+              "1 items · " + Format::byteCount(sizeOf(cache)));
     EXPECT_EQ(read("confirmPermanentRow", "title").toString(), "Delete permanently (items already in Trash)");
     EXPECT_EQ(read("confirmPermanentRow", "valueText").toString(),
               "1 items · " + Format::byteCount(sizeOf(trashed)));
@@ -129,9 +131,10 @@ TEST_F(Sheets, ConfirmListsEveryRemovalMethodAndCountsAdministratorCommandsTwice
               "1 system items — macOS will ask for an administrator password once");
     EXPECT_FALSE(visible("warnLarge"));
     EXPECT_FALSE(visible("warnReview"));
-    EXPECT_EQ(text("confirmFootnote"),
-              "Quit browsers and apps whose caches you're cleaning first · Items moved to the Trash keep using "
-              "space until the Trash is emptied.");
+    EXPECT_EQ(
+        text("confirmFootnote"),
+        "Quit browsers and apps whose caches you're cleaning first · Items moved to the Trash keep using "
+        "space until the Trash is emptied.");
     EXPECT_EQ(text("confirmCancel"), "Cancel");
     EXPECT_EQ(text("confirmClean"), "Clean Now");
 
@@ -166,7 +169,8 @@ TEST_F(Sheets, ScopedConfirmNamesItsCategoryAndReturnStartsTheClean) {
     EXPECT_TRUE(visible("confirmScopeTitle"));
     EXPECT_EQ(text("confirmScopeTitle"), "User Caches");
     EXPECT_EQ(text("confirmTitle"), "Clean 1 Items");
-    EXPECT_EQ(read("confirmTrashRow", "valueText").toString(), "1 items · " + Format::byteCount(sizeOf(cache)));
+    EXPECT_EQ(read("confirmTrashRow", "valueText").toString(),
+              "1 items · " + Format::byteCount(sizeOf(cache)));
     // No commands and nothing permanent: the command line goes, both method rows stay.
     EXPECT_FALSE(visible("confirmCommandsRow"));
     EXPECT_TRUE(visible("confirmTrashRow"));

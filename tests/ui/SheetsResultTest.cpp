@@ -55,17 +55,18 @@ TEST_F(SheetsResult, ASuccessfulCleanOffersToDeleteWhatWentToTheTrash) {
 
     EXPECT_EQ(read("resultSymbol", "name").toString(), "checkmark.seal.fill");
     EXPECT_EQ(text("resultTitle"), "Cleaned 2 Items");
-    EXPECT_EQ(text("resultBytes"),
-              Format::byteCount(cacheSize) + " moved to Trash · " + Format::byteCount(trashedSize) + " deleted");
+    EXPECT_EQ(text("resultBytes"), Format::byteCount(cacheSize) + " moved to Trash · " +
+                                       Format::byteCount(trashedSize) + " deleted");
     const CleanResult& result = *model().lastResult();
     EXPECT_EQ(text("resultAvailable"), "Now " + Format::byteCount(model().diskAvailable()) + " available (+" +
                                            Format::byteCount(result.freeAfter - result.freeBefore) + ")");
     EXPECT_FALSE(visible("failureSection"));
     EXPECT_FALSE(visible("purgeMessage"));
     ASSERT_TRUE(visible("trashCard"));
-    EXPECT_EQ(text("trashCardText"),
-              "Items in the Trash still use space. Delete them now to free it immediately (only the items just "
-              "moved — nothing else in your Trash is touched).");
+    EXPECT_EQ(
+        text("trashCardText"),
+        "Items in the Trash still use space. Delete them now to free it immediately (only the items just "
+        "moved — nothing else in your Trash is touched).");
     EXPECT_EQ(text("purgeButton"), "Delete " + Format::byteCount(cacheSize) + " from Trash");
     EXPECT_EQ(read("purgeButton", "symbol").toString(), "trash.slash");
 
@@ -133,7 +134,8 @@ TEST_F(SheetsResult, FailuresShowTheTriangleTheListAndTheAccessNote) {
     EXPECT_EQ(shown["brew cleanup (remove old Homebrew package versions)"].at(0), "Error: permission denied");
 
     EXPECT_TRUE(visible("fullDiskAccessNote"));
-    EXPECT_EQ(text("fullDiskAccessNote"), "Some items may have failed because Full Disk Access hasn't been granted.");
+    EXPECT_EQ(text("fullDiskAccessNote"),
+              "Some items may have failed because Full Disk Access hasn't been granted.");
 
     // With access granted the note goes; the list stays.
     home().makeFile("Library/Safari/Bookmarks.plist", "x");

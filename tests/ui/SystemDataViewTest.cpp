@@ -19,7 +19,8 @@
 namespace {
 
 const QStringList reducibleIDs{"tm", "vm", "unifiedlogs", "spotlight", "simruntimes"};
-const QStringList managedIDs{"vmdisks", "folders", "assets", "dbother", "appsupport", "containers", "mailmsg"};
+const QStringList managedIDs{"vmdisks",    "folders",    "assets", "dbother",
+                             "appsupport", "containers", "mailmsg"};
 
 // Installs an authorisation tool for the object's lifetime, then restores the platform's.
 class AuthorizationToolScope {
@@ -54,7 +55,8 @@ class SystemData : public WindowTest {
 protected:
     void showScreen() {
         navigate("systemData");
-        ASSERT_TRUE(UiHarness::waitFor([&] { return window()->findChild<QObject*>("systemDataView") != nullptr; }));
+        ASSERT_TRUE(
+            UiHarness::waitFor([&] { return window()->findChild<QObject*>("systemDataView") != nullptr; }));
     }
     void installTool(const std::string& name, const std::string& body) {
         const std::string path = home().makeFile(".docker/bin/" + name, "#!/bin/sh\n" + body + "\n");
@@ -72,7 +74,8 @@ protected:
         ASSERT_NE(scroller, nullptr);
         auto* content = scroller->property("contentItem").value<QQuickItem*>();
         const qreal y = target->mapToItem(content, QPointF(0, 0)).y();
-        const qreal limit = std::max<qreal>(0, scroller->property("contentHeight").toReal() - scroller->height());
+        const qreal limit =
+            std::max<qreal>(0, scroller->property("contentHeight").toReal() - scroller->height());
         scroller->setProperty("contentY", std::clamp<qreal>(y - 60, 0, limit));
         UiHarness::spin(20);
         click(target);
@@ -211,7 +214,7 @@ TEST_F(SystemData, EqualAreasKeepCatalogueOrderInTheCompositionBar) {
     clickOnScreen("analyzeButton");
     ASSERT_TRUE(analysisEnds());
 
-    const QStringList expected{"vm",     "unifiedlogs", "spotlight", "simruntimes", "vmdisks",   "folders",
+    const QStringList expected{"vm",     "unifiedlogs", "spotlight",  "simruntimes", "vmdisks", "folders",
                                "assets", "dbother",     "appsupport", "containers",  "mailmsg"};
     EXPECT_EQ(read("compositionBar", "order").toStringList(), expected);
     EXPECT_EQ(text("systemTotal"), Format::byteCount(11 * 102'400));
