@@ -3,6 +3,7 @@
 // follows the model like any view.
 import QtQuick
 import QtQuick.Controls
+import QtQuick.Layouts
 import Veltro
 import Veltro.Model
 
@@ -22,9 +23,33 @@ MenuBar {
     readonly property alias deselectAllAction: deselectAll
     readonly property alias cleanSelectedAction: cleanSelected
 
+    // A menu entry that names its keyboard shortcut at the right edge.
+    component CommandItem: MenuItem {
+        id: entry
+        property string shortcutText
+        contentItem: RowLayout {
+            spacing: 24
+            opacity: entry.enabled ? 1 : 0.45
+            Text {
+                text: entry.text
+                font: entry.font
+                color: entry.highlighted ? entry.palette.highlightedText : entry.palette.windowText
+                Layout.fillWidth: true
+            }
+            Text {
+                visible: entry.shortcutText !== ""
+                text: entry.shortcutText
+                font: entry.font
+                color: entry.highlighted ? entry.palette.highlightedText : Theme.secondary
+            }
+        }
+    }
+
     Menu {
         objectName: "applicationMenu"
         title: "Veltro"
+        // Wide enough for the titles and their shortcuts side by side.
+        width: 240
 
         MenuItem {
             objectName: "menuCoffee"
@@ -32,8 +57,9 @@ MenuBar {
             onTriggered: Platform.openUrl(Platform.coffee)
         }
         MenuSeparator {}
-        MenuItem {
+        CommandItem {
             objectName: "menuQuit"
+            shortcutText: "Ctrl+Q"
             action: Action {
                 text: qsTr("Quit Veltro")
                 shortcut: StandardKey.Quit
@@ -45,9 +71,11 @@ MenuBar {
     Menu {
         objectName: "scanMenu"
         title: qsTr("Scan")
+        width: 300
 
-        MenuItem {
+        CommandItem {
             objectName: "menuRescan"
+            shortcutText: "Ctrl+R"
             action: Action {
                 id: rescan
                 text: qsTr("Rescan")
@@ -56,8 +84,9 @@ MenuBar {
                 onTriggered: AppModel.scan()
             }
         }
-        MenuItem {
+        CommandItem {
             objectName: "menuStopScan"
+            shortcutText: "Ctrl+."
             action: Action {
                 id: stopScan
                 text: qsTr("Stop Scan")
@@ -85,8 +114,9 @@ MenuBar {
                 onTriggered: AppModel.clearSelection()
             }
         }
-        MenuItem {
+        CommandItem {
             objectName: "menuCleanSelected"
+            shortcutText: "Ctrl+Backspace"
             action: Action {
                 id: cleanSelected
                 text: qsTr("Clean Selected Items…")
