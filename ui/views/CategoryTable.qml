@@ -119,6 +119,8 @@ Rectangle {
         RowLayout {
             objectName: "tableHeader"
             Layout.fillWidth: true
+            // Its column titles fill its height; it must not take the list's.
+            Layout.fillHeight: false
             Layout.preferredHeight: 28
             Layout.leftMargin: 4
             Layout.rightMargin: 4

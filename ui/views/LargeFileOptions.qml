@@ -43,7 +43,8 @@ RowLayout {
             ]
             textRole: "text"
             valueRole: "value"
-            currentIndex: indexOfValue(value)
+            // Read `count` so that the index is found again once the choices are in.
+            currentIndex: count > 0 ? indexOfValue(value) : -1
             implicitHeight: 32
             implicitContentWidthPolicy: ComboBox.WidestText
             font.pixelSize: Theme.body
