@@ -1,0 +1,136 @@
+// One whole session through the window, as a person would go: the first-run
+// invitation, a scan, ticking items on a category screen, the confirmation, the clean
+// on the fake home, the result, and deleting from the Trash what the clean moved there.
+
+#include "UiHarness.h"
+#include "WindowFixture.h"
+
+#include "platform/Paths.h"
+#include "ui/Format.h"
+
+#include <QQuickItem>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <string>
+
+namespace {
+
+std::set<std::string> entriesOf(const std::string& folder) {
+    std::set<std::string> names;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
+bool exists(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::symlink_status(path, error).type() != std::filesystem::file_type::not_found;
+}
+
+// Items made by views (lists, repeaters) are reached through the visual tree.
+void collect(QQuickItem* under, const QString& name, std::vector<QQuickItem*>* found) {
+    if (!under)
+        return;
+    if (under->objectName() == name && under->isVisible())
+        found->push_back(under);
+    for (QQuickItem* child : under->childItems())
+        collect(child, name, found);
+}
+
+} // namespace
+
+class Flow : public WindowTest {
+protected:
+    std::vector<QQuickItem*> shown(const QString& name) {
+        QCoreApplication::processEvents();
+        std::vector<QQuickItem*> found;
+        collect(window()->contentItem(), name, &found);
+        return found;
+    }
+    bool visible(const QString& name) { return read(name, "visible").toBool(); }
+};
+
+TEST_F(Flow, ScanTickCleanAndDeleteFromTheTrash) {
+    const std::string trash = home().path(".Trash");
+    const std::set<std::string> trashBefore = entriesOf(trash);
+    ASSERT_EQ(trashBefore, std::set<std::string>{"old-report.pdf"});
+
+    // First launch: the invitation, and nothing found yet.
+    ASSERT_TRUE(
+        UiHarness::waitFor([&] { return window()->findChild<QObject*>("firstRunInvitation") != nullptr; }));
+    EXPECT_TRUE(visible("firstRunInvitation"));
+    EXPECT_EQ(text("startScanButton"), "Start Scan");
+    EXPECT_EQ(model().itemCount(), 0);
+
+    // Start Scan fills the sidebar and the results.
+    click(item("startScanButton"));
+    ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
+    ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
+    EXPECT_TRUE(UiHarness::waitFor([&] { return !visible("firstRunInvitation"); }));
+    const QString cachesTotal = Format::byteCount(model().totalSize("user.caches"));
+    ASSERT_GT(model().totalSize("user.caches"), 0);
+    EXPECT_TRUE(UiHarness::waitFor([&] { return visible("resultsGrid"); }));
+    const auto trailing = find("categoryRow_user.caches")->findChild<QObject*>("trailingLabel");
+    ASSERT_NE(trailing, nullptr);
+    EXPECT_EQ(trailing->property("text").toString(), cachesTotal);
+
+    // The category screen, reached from the sidebar, ticks both of its items.
+    click(item("categoryRow_user.caches"));
+    ASSERT_TRUE(UiHarness::waitFor([&] { return shown("itemRow").size() == 2; }));
+    for (QQuickItem* row : shown("itemRow")) {
+        std::vector<QQuickItem*> checks;
+        collect(row, "itemCheck", &checks);
+        ASSERT_EQ(checks.size(), 1u);
+        click(checks.front());
+    }
+    ASSERT_EQ(model().selectedCount("user.caches"), 2);
+    EXPECT_EQ(model().selectionCount(), 2);
+
+    // Clean from the category: the confirmation names it and counts both items.
+    ASSERT_TRUE(UiHarness::waitFor([&] { return visible("cleanCategoryButton"); }));
+    click(item("cleanCategoryButton"));
+    ASSERT_TRUE(UiHarness::waitFor([&] { return read("confirmSheet", "opened").toBool(); }));
+    EXPECT_EQ(text("confirmScopeTitle"), "User Caches");
+    EXPECT_EQ(text("confirmTitle"), "Clean 2 Items");
+    EXPECT_EQ(text("confirmTotal"), "About " + cachesTotal + " in total");
+    EXPECT_EQ(read("confirmTrashRow", "valueText").toString(), "2 items · " + cachesTotal);
+    EXPECT_EQ(read("confirmPermanentRow", "valueText").toString(), "0 items · 0 KB");
+    EXPECT_FALSE(visible("confirmCommandsRow"));
+    EXPECT_FALSE(visible("confirmWarnings"));
+
+    // Clean Now removes them from the home folder into its Trash.
+    click(item("confirmClean"));
+    ASSERT_TRUE(UiHarness::waitFor([&] { return model().showResult(); }, 30000));
+    EXPECT_FALSE(exists(home().path("Library/Caches/com.example.editor")));
+    EXPECT_FALSE(exists(home().path("Library/Caches/org.example.player")));
+    EXPECT_TRUE(exists(home().path("Library/Logs/example.log")));
+    const std::set<std::string> trashAfter = entriesOf(trash);
+    EXPECT_EQ(trashAfter,
+              (std::set<std::string>{"old-report.pdf", "com.example.editor", "org.example.player"}));
+
+    // The result counts them.
+    ASSERT_TRUE(UiHarness::waitFor([&] { return read("resultSheet", "opened").toBool(); }));
+    EXPECT_EQ(read("resultSymbol", "name").toString(), "checkmark.seal.fill");
+    EXPECT_EQ(text("resultTitle"), "Cleaned 2 Items");
+    EXPECT_EQ(text("resultBytes"), cachesTotal + " moved to Trash · 0 KB deleted");
+    EXPECT_FALSE(visible("failureSection"));
+
+    // Deleting from the Trash empties exactly what the clean moved there.
+    EXPECT_EQ(text("purgeButton"), "Delete " + cachesTotal + " from Trash");
+    click(item("purgeButton"));
+    ASSERT_TRUE(UiHarness::waitFor([&] { return visible("purgeMessage"); }, 30000));
+    EXPECT_TRUE(QRegularExpression("^Deleted permanently — freed (0 KB|\\d[\\d.,]* (bytes?|KB|MB|GB))$")
+                    .match(read("purgeMessage", "text").toString())
+                    .hasMatch())
+        << read("purgeMessage", "text").toString().toStdString();
+    EXPECT_FALSE(visible("trashCard"));
+    EXPECT_EQ(entriesOf(trash), trashBefore);
+
+    click(item("resultDone"));
+    EXPECT_TRUE(UiHarness::waitFor([&] { return !read("resultSheet", "visible").toBool(); }));
+    EXPECT_FALSE(model().showResult());
+}
