@@ -55,8 +55,11 @@ Item {
             ColumnLayout {
                 spacing: 4
                 Layout.fillWidth: true
+                // The title and its pill keep their room before the filter gives up its own.
+                Layout.minimumWidth: Math.min(titleLine.implicitWidth, 240)
 
                 RowLayout {
+                    id: titleLine
                     spacing: 8
                     Layout.fillWidth: true
 
@@ -69,7 +72,9 @@ Item {
                         elide: Text.ElideRight
                         maximumLineCount: 1
                         Layout.fillWidth: true
-                        Layout.maximumWidth: implicitWidth
+                        // Whole pixels: a layout rounds down, and a fraction short elides.
+                        Layout.preferredWidth: Math.ceil(implicitWidth)
+                        Layout.maximumWidth: Math.ceil(implicitWidth)
                     }
 
                     Pill {
@@ -130,7 +135,10 @@ Item {
                 text: AppModel.categoryTable.filterText
                 onTextEdited: AppModel.categoryTable.filterText = text
                 Layout.alignment: Qt.AlignVCenter
+                Layout.fillWidth: true
                 Layout.preferredWidth: 200
+                Layout.maximumWidth: 200
+                Layout.minimumWidth: 110
             }
         }
 
@@ -155,7 +163,7 @@ Item {
                 visible: root.commonLocation !== ""
                 spacing: 6
                 Layout.fillWidth: true
-                Layout.maximumWidth: implicitWidth
+                Layout.maximumWidth: Math.ceil(implicitWidth)
                 Layout.minimumWidth: 60
 
                 Symbol {

@@ -34,7 +34,8 @@ Item {
     property bool hideLocation: false
 
     signal pressed(int modifiers)
-    signal contextMenuRequested()
+    // At the pointer, in this row's coordinates.
+    signal contextMenuRequested(real x, real y)
     signal activated()
 
     readonly property bool noteShown: note !== ""
@@ -61,7 +62,7 @@ Item {
         }
         onClicked: mouse => {
             if (mouse.button === Qt.RightButton)
-                row.contextMenuRequested();
+                row.contextMenuRequested(mouse.x, mouse.y);
         }
         onDoubleClicked: mouse => {
             if (mouse.button === Qt.LeftButton)

@@ -99,12 +99,14 @@ Rectangle {
             Platform.revealInFileViewer(targets[0].path);
     }
 
-    // The context menu of the row at `row` (or of blank space for -1): it acts on the
-    // highlighted rows when the click lands on one of them, else on the clicked row.
-    function openMenu(row) {
+    // The context menu of the row at `row` (or of blank space for -1), opened at
+    // `point` of `item`: it acts on the highlighted rows when the click lands on one of
+    // them, else on the clicked row.
+    function openMenu(row, item, point) {
         const key = row >= 0 ? proxy.keyAt(row) : "";
         contextMenu.keys = key === "" ? [] : isHighlighted(key) ? highlight.slice() : [key];
-        contextMenu.popup();
+        const at = item.mapToItem(root, point);
+        contextMenu.popup(root, at.x, at.y);
     }
 
     ColumnLayout {
@@ -175,6 +177,7 @@ Rectangle {
             ScrollBar.vertical: ScrollBar {}
 
             delegate: CategoryItemRow {
+                id: itemRow
                 width: list.width
                 nameWidth: root.nameWidth
                 sizeWidth: root.sizeWidth
@@ -184,13 +187,14 @@ Rectangle {
                 hideLocation: root.commonLocation !== ""
                 highlighted: root.highlight.indexOf(key) >= 0
                 onPressed: modifiers => root.pressRow(index, modifiers)
-                onContextMenuRequested: root.openMenu(index)
+                onContextMenuRequested: (x, y) => root.openMenu(index, itemRow, Qt.point(x, y))
                 onActivated: root.activate()
             }
 
             // Blank space below the rows: a click clears the highlight, a right click
             // opens the menu with nothing to act on.
             MouseArea {
+                id: blank
                 z: -1
                 width: list.width
                 height: Math.max(0, list.contentY + list.height - list.contentHeight)
@@ -198,7 +202,7 @@ Rectangle {
                 acceptedButtons: Qt.LeftButton | Qt.RightButton
                 onClicked: mouse => {
                     if (mouse.button === Qt.RightButton)
-                        root.openMenu(-1);
+                        root.openMenu(-1, blank, Qt.point(mouse.x, mouse.y));
                     else
                         root.clearHighlight();
                 }

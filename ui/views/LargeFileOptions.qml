@@ -46,13 +46,20 @@ RowLayout {
             // Read `count` so that the index is found again once the choices are in.
             currentIndex: count > 0 ? indexOfValue(value) : -1
             implicitHeight: 32
-            implicitContentWidthPolicy: ComboBox.WidestText
+            // As wide as the widest choice, whichever is selected.
+            implicitWidth: leftPadding + rightPadding
+                           + Math.ceil(Math.max(...model.map(choice => metrics.advanceWidth(choice.text))))
             font.pixelSize: Theme.body
             leftPadding: 14
             rightPadding: 30
             hoverEnabled: true
             opacity: enabled ? 1 : 0.45
             onActivated: index => AppModel.largeThresholdGB = model[index].value
+
+            FontMetrics {
+                id: metrics
+                font: threshold.font
+            }
 
             contentItem: Text {
                 text: threshold.displayText
