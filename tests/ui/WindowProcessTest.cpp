@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 namespace {
 
 struct ProcessRun {
@@ -53,27 +55,55 @@ QString tool(const char* name) {
 
 TEST(WindowProcess, ScreenshotRunPicturesTheWindowAndEndsWhenItCloses) {
     FakeHome home;
-    home.makeFileOfSize("Library/Caches/com.example.editor/blob.bin", 300'000);
-    home.makeFileOfSize("Library/Logs/example.log", 40'000);
+    const std::string checked = home.makeFileOfSize("Library/Caches/com.example.editor/blob.bin", 300'000);
+    const std::string unchecked = home.makeFileOfSize("Library/Logs/example.log", 40'000);
+    home.makeFileOfSize("Library/Mail/V10/inbox.mbox", 200'000);
+    home.makeFile(".veltro-screenshot-home");
     const QString shots = QString::fromStdString(home.tree().makeDir("shots"));
 
     QProcessEnvironment environment = environmentFor(home);
     environment.insert("QT_QPA_PLATFORM", "offscreen");
-    const ProcessRun run = runProcess(VELTRO_BINARY, {"--screenshot-dir", shots}, environment);
+    const ProcessRun run = runProcess(VELTRO_BINARY, {"--screenshot-dir", shots}, environment, 120000);
     ASSERT_TRUE(run.finished) << "the process did not end after its window closed";
     EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
 
-    QImage pictures[4];
-    const char* names[] = {"window-before.png", "window-during.png", "window-after.png",
-                           "window-selected.png"};
-    for (int i = 0; i < 4; ++i) {
+    const char* names[] = {"window-before.png",   "window-during.png", "window-after.png",
+                           "window-selected.png", "overview.png",      "category.png",
+                           "confirm-sheet.png",   "result-sheet.png",  "system-data.png"};
+    constexpr int count = int(std::size(names));
+    QImage pictures[count];
+    for (int i = 0; i < count; ++i) {
         ASSERT_TRUE(pictures[i].load(QDir(shots).filePath(names[i]))) << names[i];
         EXPECT_EQ(pictures[i].size(), QSize(1180, 760)) << names[i];
     }
-    // Each moment looks different: sizes appear, the pill comes and goes, items get checked.
-    EXPECT_NE(pictures[0], pictures[1]);
-    EXPECT_NE(pictures[1], pictures[2]);
-    EXPECT_NE(pictures[2], pictures[3]);
+    // Each moment looks different: sizes appear, the pill comes and goes, items get
+    // checked, the sidebar goes back to its top, screens and sheets change.
+    for (int i = 1; i < count; ++i)
+        EXPECT_NE(pictures[i - 1], pictures[i]) << names[i - 1] << " and " << names[i];
+    for (int i = 4; i < count; ++i)
+        for (int j = i + 2; j < count; ++j)
+            EXPECT_NE(pictures[i], pictures[j]) << names[i] << " and " << names[j];
+
+    // The one item checked on the category screen was cleaned, and nothing else.
+    EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(checked)));
+    EXPECT_TRUE(QFileInfo::exists(QString::fromStdString(unchecked)));
+}
+
+TEST(WindowProcess, ScreenshotRunCleansNothingInAHomeNotMadeForIt) {
+    FakeHome home;
+    const std::string cache = home.makeFileOfSize("Library/Caches/com.example.editor/blob.bin", 300'000);
+    const QString shots = QString::fromStdString(home.tree().makeDir("shots"));
+
+    QProcessEnvironment environment = environmentFor(home);
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
+    const ProcessRun run = runProcess(VELTRO_BINARY, {"--screenshot-dir", shots}, environment, 120000);
+    ASSERT_TRUE(run.finished) << "the process did not end after its window closed";
+    EXPECT_EQ(run.exitCode, 1) << "a tour that skipped a picture reports it";
+    EXPECT_TRUE(run.err.contains(".veltro-screenshot-home")) << run.err.toStdString();
+    EXPECT_TRUE(QFileInfo::exists(QString::fromStdString(cache)));
+    EXPECT_TRUE(QFileInfo::exists(QDir(shots).filePath("confirm-sheet.png")));
+    EXPECT_FALSE(QFileInfo::exists(QDir(shots).filePath("result-sheet.png")));
+    EXPECT_TRUE(QFileInfo::exists(QDir(shots).filePath("system-data.png")));
 }
 
 TEST(WindowProcess, CommandsRunWithoutADisplay) {
