@@ -16,7 +16,10 @@ namespace {
 const QString unknown = QStringLiteral("\u2014");
 
 icu::Locale icuLocale() {
-    return icu::Locale(QLocale().name().toLatin1().constData());
+    // Qt calls the untranslated locale "C", for which ICU has no plural rules ("1 hours
+    // ago"); its POSIX English has them.
+    const QString name = QLocale().name();
+    return icu::Locale(name == QLatin1String("C") ? "en_US_POSIX" : name.toLatin1().constData());
 }
 
 QString fromIcu(const icu::UnicodeString& text) {
@@ -29,7 +32,8 @@ struct Offset {
 };
 
 // Calendar distance from `from` to `to` (from <= to) in its largest nonzero unit, in
-// local time: whole years, then months, weeks, days, hours, minutes, seconds.
+// local time: whole years, then months, weeks, days, hours, minutes; less than a
+// minute is no distance at all.
 Offset largestUnit(const QDateTime& from, const QDateTime& to) {
     int years = to.date().year() - from.date().year();
     if (from.addYears(years) > to)
@@ -56,7 +60,9 @@ Offset largestUnit(const QDateTime& from, const QDateTime& to) {
         return {double(seconds / 3600), UDAT_REL_UNIT_HOUR};
     if (seconds >= 60)
         return {double(seconds / 60), UDAT_REL_UNIT_MINUTE};
-    return {double(seconds), UDAT_REL_UNIT_SECOND};
+    // Under a minute reads as "now": a count of seconds would tick on every refresh,
+    // and the numeric style gets the plural of a single second wrong.
+    return {0, UDAT_REL_UNIT_SECOND};
 }
 
 // Formatters are costly to build and the views ask for many texts: keep one per

@@ -57,7 +57,9 @@ TEST(KitFormat, RelativeDatesInTheLargestWholeUnit) {
     const QDateTime noon(QDate(2024, 5, 15), QTime(12, 0));
     EXPECT_EQ(Format::relativeDate(noon.addDays(2), noon), "in 2 days");
     EXPECT_EQ(Format::relativeDate(noon.addDays(1), noon), "tomorrow");
-    EXPECT_EQ(Format::relativeDate(noon.addSecs(-59), noon), "59 seconds ago");
+    EXPECT_EQ(Format::relativeDate(noon.addSecs(-1), noon), "now");
+    EXPECT_EQ(Format::relativeDate(noon.addSecs(-59), noon), "now");
+    EXPECT_EQ(Format::relativeDate(noon.addSecs(30), noon), "now");
     EXPECT_EQ(Format::relativeDate(noon.addSecs(-60), noon), "1 minute ago");
     EXPECT_EQ(Format::relativeDate(noon.addSecs(-3 * 3600 - 59 * 60), noon), "3 hours ago");
     EXPECT_EQ(Format::relativeDate(noon.addSecs(-23 * 3600), noon), "23 hours ago");
@@ -76,6 +78,13 @@ TEST(KitFormat, RelativeDatesInTheLargestWholeUnit) {
                                    QDateTime(QDate(2024, 2, 15), QTime(9, 0))),
               "last month");
 
+    {
+        // Without a configured language (LANG unset) the singular still reads right.
+        LocaleScope untranslated(QLocale::c());
+        EXPECT_EQ(Format::relativeDate(noon.addSecs(-60), noon), "1 minute ago");
+        EXPECT_EQ(Format::relativeDate(noon.addSecs(-3600), noon), "1 hour ago");
+        EXPECT_EQ(Format::relativeDate(noon.addSecs(-5), noon), "now");
+    }
     LocaleScope inGerman(german);
     EXPECT_EQ(Format::relativeDate(noon.addDays(-1), noon), "gestern");
     EXPECT_EQ(Format::relativeDate(noon.addDays(-21), noon), "vor 3 Wochen");
