@@ -1,15 +1,12 @@
 #include "CommandRun.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
-#include <ftw.h>
 #include <spawn.h>
 #include <sstream>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -36,23 +33,6 @@ std::vector<std::string> childEnvironment(const FakeHome& home) {
     entries.push_back("TMPDIR=" + home.tmp());
     entries.push_back("QT_QPA_PLATFORM=offscreen");
     return entries;
-}
-
-std::vector<std::string>* snapshotLines = nullptr;
-size_t snapshotPrefix = 0;
-
-int record(const char* path, const struct stat* st, int type, struct FTW*) {
-    std::ostringstream line;
-    line << (path + snapshotPrefix) << '|' << type << '|' << std::oct << st->st_mode << std::dec << '|';
-    if (!S_ISDIR(st->st_mode))
-        line << st->st_size << '|' << st->st_mtim.tv_sec << '.' << st->st_mtim.tv_nsec;
-    if (S_ISLNK(st->st_mode)) {
-        char target[4096];
-        const ssize_t length = ::readlink(path, target, sizeof target);
-        line << "->" << std::string(target, length > 0 ? static_cast<size_t>(length) : 0);
-    }
-    snapshotLines->push_back(line.str());
-    return 0;
 }
 
 } // namespace
@@ -98,24 +78,4 @@ CommandRun CommandRun::of(FakeHome& home, const std::vector<std::string>& argume
     run.out = readAll(outPath);
     run.err = readAll(errPath);
     return run;
-}
-
-std::vector<std::string> snapshotOf(const std::string& root) {
-    std::vector<std::string> lines;
-    snapshotLines = &lines;
-    snapshotPrefix = root.size();
-    ::nftw(root.c_str(), record, 32, FTW_PHYS);
-    snapshotLines = nullptr;
-    std::sort(lines.begin(), lines.end());
-    return lines;
-}
-
-void installTool(FakeHome& home, const std::string& name, const std::string& body) {
-    const std::string path = home.makeFile(".docker/bin/" + name, "#!/bin/sh\n" + body + "\n");
-    ::chmod(path.c_str(), 0755);
-}
-
-bool exists(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0;
 }

@@ -17,13 +17,3 @@ struct CommandRun {
 
     static CommandRun of(FakeHome& home, const std::vector<std::string>& arguments);
 };
-
-// Every entry below `root` (type, size, modification time, link target), one line
-// each, sorted: equal before and after means nothing was touched.
-std::vector<std::string> snapshotOf(const std::string& root);
-
-// An executable shell script `name` in ~/.docker/bin, which is on the search path of
-// every command the scan and the clean run.
-void installTool(FakeHome& home, const std::string& name, const std::string& body);
-
-bool exists(const std::string& path);

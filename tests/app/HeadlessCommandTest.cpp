@@ -5,6 +5,8 @@
 
 #include "catalogue/CleanupRules.h"
 #include "platform/Paths.h"
+#include "support/PathQueries.h"
+#include "support/TreeSnapshot.h"
 
 #include <gtest/gtest.h>
 
@@ -57,7 +59,7 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
         home.makeFileOfSize("Library/Caches/" + name, bytes);
         bytes -= 40'000;
     }
-    installTool(home, "brew", "exit 0");
+    home.installTool("brew", "exit 0");
 
     const CommandRun run = CommandRun::of(home, {"scan", "--json"});
     ASSERT_EQ(run.status, 0) << run.err;
@@ -129,7 +131,7 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
 
 TEST(HeadlessArguments, BadArgumentsFailWithOneLineNamingThemAndChangeNothing) {
     Fixture fixture;
-    const std::vector<std::string> before = snapshotOf(fixture.home.home());
+    const TreeSnapshot before = snapshotTree(fixture.home.home());
     const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
         {{"scan", "--large-threshold-gb", "abc"}, "--large-threshold-gb"},
         {{"scan", "--add-root", "/nonexistent"}, "--add-root"},
@@ -148,12 +150,12 @@ TEST(HeadlessArguments, BadArgumentsFailWithOneLineNamingThemAndChangeNothing) {
         EXPECT_NE(run.err.find(named), std::string::npos) << shown << "\n" << run.err;
         EXPECT_EQ(run.out, "") << shown;
     }
-    EXPECT_EQ(snapshotOf(fixture.home.home()), before);
+    EXPECT_EQ(describeDifferences(before, snapshotTree(fixture.home.home())), "");
 }
 
 TEST(CleanCommand, DryRunShowsTheSummaryAndChangesNothing) {
     Fixture fixture;
-    const std::vector<std::string> before = snapshotOf(fixture.home.home());
+    const TreeSnapshot before = snapshotTree(fixture.home.home());
     const CommandRun run = CommandRun::of(fixture.home, {"clean", "--recommended", "--dry-run"});
     EXPECT_EQ(run.status, 0) << run.err;
     // Two caches and the log to the Trash, the old Trash item deleted for good.
@@ -162,7 +164,7 @@ TEST(CleanCommand, DryRunShowsTheSummaryAndChangesNothing) {
     EXPECT_NE(run.out.find("3 items"), std::string::npos) << run.out;
     EXPECT_NE(run.out.find("Delete permanently (items already in Trash)"), std::string::npos) << run.out;
     EXPECT_EQ(run.out.find("Cleaned"), std::string::npos) << run.out;
-    EXPECT_EQ(snapshotOf(fixture.home.home()), before);
+    EXPECT_EQ(describeDifferences(before, snapshotTree(fixture.home.home())), "");
 }
 
 TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
@@ -192,7 +194,7 @@ TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
 TEST(HeadlessRun, WaitingForTheScanLeavesTheProcessorAlone) {
     FakeHome home;
     // The probe holds the scan for three seconds in which nothing happens.
-    installTool(home, "xcrun", "sleep 3\necho 'iPhone (unavailable)'");
+    home.installTool("xcrun", "sleep 3\necho 'iPhone (unavailable)'");
     const CommandRun run = CommandRun::of(home, {"scan"});
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_GE(run.wallSeconds, 3.0);

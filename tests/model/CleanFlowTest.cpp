@@ -4,6 +4,7 @@
 #include "ModelTestSupport.h"
 
 #include "model/ItemKey.h"
+#include "support/PathQueries.h"
 #include "support/TempTree.h"
 
 #include <QClipboard>
@@ -18,11 +19,6 @@ using Phase = AppModel::Phase;
 using State = AppModel::CategoryScanState;
 
 namespace {
-
-bool exists(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0;
-}
 
 ::testing::AssertionResult cleanToEnd(AppModel& model) {
     model.clean();
@@ -95,7 +91,7 @@ TEST(CleanFlow, TwoOfFiveFailAndTheResultLandsInOneStep) {
     const std::string gone = makeCacheFolder(home, "com.example.gone", 100'000);
     const std::string stays = makeCacheFolder(home, "com.example.stays", 50'000);
     const std::string log = idOf(home.makeFileOfSize("Library/Logs/only.log", 5'000));
-    installTool(home, "brew", "echo 'Error: permission denied' >&2; exit 1");
+    home.installTool("brew", "echo 'Error: permission denied' >&2; exit 1");
     AppModel model;
     ASSERT_TRUE(scanToEnd(model));
     for (const std::string& id : {big, mid, gone, log, std::string("cmd.brew")})
@@ -228,7 +224,7 @@ TEST(CleanFlow, ChosenFoldersAreAddedOnceAndSearchedByTheNextScan) {
 TEST(CleanFlow, CopyPathPutsTheExactBytesOnTheClipboard) {
     FakeHome home;
     const std::string odd = makeCacheFolder(home, std::string("caf\xE9 \xFF\xFE", 7), 10'000);
-    installTool(home, "brew", "exit 0");
+    home.installTool("brew", "exit 0");
     AppModel model;
     ASSERT_TRUE(scanToEnd(model));
     const ScanItem* item = find(model.items(), odd);

@@ -42,11 +42,6 @@ std::string idOf(const std::string& path) {
     return Paths::canonicalPath(path);
 }
 
-void installTool(FakeHome& home, const std::string& name, const std::string& body) {
-    const std::string path = home.makeFile(".docker/bin/" + name, "#!/bin/sh\n" + body + "\n");
-    ::chmod(path.c_str(), 0755);
-}
-
 const ScanItem* find(const ScanItems& items, const std::string& id) {
     for (const ScanItem& item : items)
         if (item.id == id)
@@ -65,15 +60,6 @@ const ScanItems& itemsOf(const AppModel& model, const std::string& categoryID) {
     static const ScanItems none;
     const auto found = model.itemsByCategory().find(categoryID);
     return found == model.itemsByCategory().end() ? none : found->second;
-}
-
-int threadCount() {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line))
-        if (line.rfind("Threads:", 0) == 0)
-            return std::atoi(line.c_str() + 8);
-    return -1;
 }
 
 bool makeAllocatedFile(const std::string& path, int64_t bytes) {

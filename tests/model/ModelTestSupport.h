@@ -36,17 +36,10 @@ std::string makeCacheFolder(FakeHome& home, const std::string& name, int64_t byt
 // The canonical path of a path of the fake home, as item ids are recorded.
 std::string idOf(const std::string& path);
 
-// Writes an executable shell script `name` into ~/.docker/bin, a folder on the
-// search path every command probe and clean-up command runs with.
-void installTool(FakeHome& home, const std::string& name, const std::string& body);
-
 // The item with this id in `items`, or nullptr.
 const ScanItem* find(const ScanItems& items, const std::string& id);
 std::vector<std::string> idsOf(const ScanItems& items);
 const ScanItems& itemsOf(const AppModel& model, const std::string& categoryID);
-
-// Threads of this process, from /proc/self/status.
-int threadCount();
 
 // A file whose allocated size (st_blocks * 512) is exactly `bytes`, made with
 // fallocate so it costs no writing; false when the file system cannot give that.

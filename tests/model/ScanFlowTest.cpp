@@ -3,6 +3,7 @@
 
 #include "ModelTestSupport.h"
 
+#include "support/ProcessCounts.h"
 #include "support/TempTree.h"
 
 #include <QAbstractItemModelTester>
@@ -229,7 +230,7 @@ TEST(ScanFlow, StopAfterTwoCategoriesKeepsThemAndIgnoresWhatComesLate) {
 TEST(ScanFlow, StopBeforeAnyCategoryReturnsToIdleAndKeepsTheLastScanDate) {
     FakeHome home;
     const std::string slow = home.path("slow-probe");
-    installTool(home, "xcrun", "[ -e '" + slow + "' ] && sleep 3\necho 'iPhone (unavailable)'");
+    home.installTool("xcrun", "[ -e '" + slow + "' ] && sleep 3\necho 'iPhone (unavailable)'");
     AppModel model;
     ASSERT_TRUE(scanToEnd(model));
     const QDateTime firstScan = model.lastScanDate();

@@ -27,8 +27,8 @@ TEST(Selection, CommandsQueriesAndScopedCleanList) {
     home.makeFileOfSize(".cache/models/weights.bin", 70'000);
     // A tool whose own clean-up command removes its cache, and one whose probe finds
     // something to remove but cannot tell its size.
-    installTool(home, "brew", "exit 0");
-    installTool(home, "xcrun", "echo 'iPhone 8 (unavailable, runtime profile not found)'");
+    home.installTool("brew", "exit 0");
+    home.installTool("xcrun", "echo 'iPhone 8 (unavailable, runtime profile not found)'");
 
     AppModel model;
     ASSERT_TRUE(scanToEnd(model));

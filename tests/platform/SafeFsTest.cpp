@@ -1,9 +1,12 @@
 #include "platform/SafeFs.h"
 #include "platform/SafeFsInternals.h"
 
-#include "ForkedChild.h"
-#include "TreeSnapshot.h"
+#include "support/DeepTree.h"
+#include "support/ForkedChild.h"
+#include "support/PathQueries.h"
+#include "support/ProcessCounts.h"
 #include "support/TempTree.h"
+#include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
@@ -11,13 +14,10 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
-#include <functional>
 #include <set>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 #include <vector>
 
@@ -27,11 +27,6 @@ using OpenParent = int (*)(const std::string&, SafeFs::Dir&, std::string&);
 const std::vector<std::pair<const char*, OpenParent>> kOpeners = {
     {"openat2 or walk", &SafeFs::openParent}, {"component walk", &SafeFs::openParentByComponents}};
 
-bool exists(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0;
-}
-
 bool sameObject(int fd, const std::string& path) {
     struct stat a {
     }, b{};
@@ -39,7 +34,7 @@ bool sameObject(int fd, const std::string& path) {
            a.st_ino == b.st_ino;
 }
 
-std::set<std::string> entriesOf(int dirFd) {
+std::set<std::string> namesIn(int dirFd) {
     std::set<std::string> names;
     DIR* stream = ::fdopendir(::openat(dirFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!stream)
@@ -51,86 +46,18 @@ std::set<std::string> entriesOf(int dirFd) {
     return names;
 }
 
-size_t openDescriptorCount() {
-    SafeFs::Dir self(::open("/proc/self/fd", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return entriesOf(self.fd()).size();
-}
-
-void makeSocket(const std::string& path) {
-    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_GE(fd, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    ASSERT_LT(path.size(), sizeof address.sun_path);
-    path.copy(address.sun_path, path.size());
-    ASSERT_EQ(::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ::close(fd);
-}
-
-// `levels` nested folders named "d" below `top` (created with the caller's ids);
-// every 10th level holds a file "f" and every 100th a small side tree, so that
-// folders are left and re-entered while their listing is half done.
-// `atLevel` may add more. Returns 0 or an errno.
-int buildDeepTree(const std::string& top, int levels, const std::function<void(int, int)>& atLevel = {}) {
-    int fd = ::open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    for (int level = 0; fd >= 0 && level < levels; ++level) {
-        if (level % 10 == 0) {
-            const int file = ::openat(fd, "f", O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-            if (file < 0 || ::write(file, "x", 1) != 1)
-                return errno;
-            ::close(file);
-        }
-        if (level % 100 == 0) {
-            if (::mkdirat(fd, "side", 0755) != 0 || ::mkdirat(fd, "side/s1", 0755) != 0 ||
-                ::mkdirat(fd, "side/s1/s2", 0755) != 0 ||
-                ::mknodat(fd, "side/s1/s2/g", S_IFREG | 0644, 0) != 0)
-                return errno;
-        }
-        if (atLevel)
-            atLevel(fd, level);
-        if (::mkdirat(fd, "d", 0755) != 0)
-            return errno;
-        const int next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        ::close(fd);
-        fd = next;
-    }
-    if (fd < 0)
-        return errno;
-    ::close(fd);
-    return 0;
-}
-
 // The entries along the chain of "d" folders, one set per level, as far as it goes.
 std::vector<std::set<std::string>> chainListing(const std::string& top) {
     std::vector<std::set<std::string>> levels;
     int fd = ::open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     while (fd >= 0) {
-        levels.push_back(entriesOf(fd));
+        levels.push_back(namesIn(fd));
         const int next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
         ::close(fd);
         fd = next;
     }
     return levels;
 }
-
-// Deep trees outlive TempTree's own clean-up (their paths exceed PATH_MAX), so a
-// test that stops early still removes them, after opening up any locked folder.
-struct DeepTreeCleanup {
-    std::string top;
-    explicit DeepTreeCleanup(std::string path) : top(std::move(path)) {}
-    DeepTreeCleanup(const DeepTreeCleanup&) = delete;
-    DeepTreeCleanup& operator=(const DeepTreeCleanup&) = delete;
-    ~DeepTreeCleanup() {
-        int fd = ::open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        while (fd >= 0) {
-            ::fchmodat(fd, "locked", 0700, 0);
-            const int next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-            ::close(fd);
-            fd = next;
-        }
-        SafeFs::removeItem(top);
-    }
-};
 
 } // namespace
 
@@ -214,7 +141,7 @@ TEST(SafeFs, RemoveTreeDeletesEveryKindOfEntryAndNothingElse) {
     tree.makeSymlink("item/sub/toFile", "../../outside/kept.txt");
     tree.makeSymlink("item/dangling", tree.path("nowhere"));
     tree.makeFifo("item/sub/fifo");
-    makeSocket(tree.path("item/sub/socket"));
+    tree.makeSocket("item/sub/socket");
     tree.makeFile("single", "one file");
     tree.makeSymlink("linkItem", tree.path("outside"));
     const TreeSnapshot before =
@@ -223,7 +150,7 @@ TEST(SafeFs, RemoveTreeDeletesEveryKindOfEntryAndNothingElse) {
     // A FIFO opened for reading would block forever; the child's alarm catches it.
     EXPECT_EQ(runInChild(
                   [&] {
-                      const size_t descriptors = openDescriptorCount();
+                      const int descriptors = openDescriptorCount();
                       const int error = SafeFs::removeItem(tree.path("item"));
                       return error != 0 ? error : openDescriptorCount() == descriptors ? 0 : 99;
                   },
@@ -265,10 +192,8 @@ TEST(SafeFs, UnreadableFolderStaysAndEverythingElseGoes) {
 
     EXPECT_EQ(describeDifferences(before, snapshotTree(tree.root(), {tree.path("item")})), "");
     EXPECT_EQ(describeDifferences(lockedBefore, snapshotTree(tree.path("item/locked"))), "");
-    SafeFs::Dir item(::open(tree.path("item").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    EXPECT_EQ(entriesOf(item.fd()), (std::set<std::string>{"locked", "readOnly"}));
-    SafeFs::Dir readOnly(::open(tree.path("item/readOnly").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    EXPECT_EQ(entriesOf(readOnly.fd()), (std::set<std::string>{"stuck.txt", "inner"}));
+    EXPECT_EQ(entriesOf(tree.path("item")), (std::vector<std::string>{"locked", "readOnly"}));
+    EXPECT_EQ(entriesOf(tree.path("item/readOnly")), (std::vector<std::string>{"inner", "stuck.txt"}));
     EXPECT_TRUE(exists(tree.path("item/readOnly/inner")));
     EXPECT_FALSE(exists(tree.path("item/readOnly/inner/free.txt")));
 }
@@ -277,7 +202,7 @@ TEST(SafeFs, TenThousandLevelsGoWithABoundedNumberOfDescriptors) {
     TempTree tree;
     tree.makeFile("outside/kept.txt", "keep");
     tree.makeDir("item");
-    const DeepTreeCleanup cleanup{tree.path("item")};
+    const RemovedOnExit cleanup{tree.path("item")};
     ASSERT_EQ(buildDeepTree(tree.path("item"), 10000), 0);
     const TreeSnapshot before = snapshotTree(tree.root(), {tree.path("item")});
 
@@ -298,7 +223,7 @@ TEST(SafeFs, TenThousandLevelsGoWithABoundedNumberOfDescriptors) {
 TEST(SafeFs, DeepTreeKeepsOnlyTheChainToWhatCouldNotGo) {
     TempTree tree;
     tree.makeDir("item");
-    const DeepTreeCleanup cleanup{tree.path("item")};
+    const RemovedOnExit cleanup{tree.path("item")};
     chownTree(tree.root(), unprivilegedUid(), unprivilegedGid());
     constexpr int kLevels = 3000;
     constexpr int kLockedLevel = 2500;

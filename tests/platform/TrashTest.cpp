@@ -1,9 +1,10 @@
 #include "platform/Trash.h"
 #include "platform/SafeFs.h"
 
-#include "ForkedChild.h"
-#include "TreeSnapshot.h"
 #include "support/FakeHome.h"
+#include "support/ForkedChild.h"
+#include "support/PathQueries.h"
+#include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
@@ -22,10 +23,6 @@ struct stat statOf(const std::string& path) {
     if (::lstat(path.c_str(), &st) != 0)
         st.st_ino = 0;
     return st;
-}
-
-bool exists(const std::string& path) {
-    return statOf(path).st_ino != 0;
 }
 
 bool isLinkRefusal(int error) {

@@ -107,7 +107,7 @@ TEST_F(AdminBatchTest, QuotedNameAndSameBaseNamesAreMovedForReal) {
     const std::string second = areaFile("b/dup", "B");
     const std::string quotedItem = Paths::parentFolder(quoted);
 
-    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    AuthorizationToolRecorder recorder{realScriptRunner()};
     CleanResult result;
     result.movedToTrashBytes = 1;
     Cleaner::runPrivileged({{pathItem(quotedItem, RemovalMethod::adminTrash(), 10), false},
@@ -142,7 +142,7 @@ TEST_F(AdminBatchTest, DeletionsAndCommandsLeaveNoDestinationBehind) {
     const std::string trash = home.makeDir(".Trash");
     const std::vector<std::string> before = veltroFolders(trash);
 
-    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    AuthorizationToolRecorder recorder{realScriptRunner()};
     CleanResult result;
     Cleaner::runPrivileged({{pathItem(doomedItem, RemovalMethod::permanent(), 4096), true},
                             {commandItem("cmd.touch", "touch " + shellQuote(marker), true), false},
@@ -165,7 +165,7 @@ TEST_F(AdminBatchTest, DeletionsAndCommandsLeaveNoDestinationBehind) {
 }
 
 TEST_F(AdminBatchTest, CarriageReturnAnswersReadLikeLineFeeds) {
-    ScriptRecorder recorder{Shell::Output{0, "OK|i0\rFAIL|i1\r\nOK|i2\r", ""}};
+    AuthorizationToolRecorder recorder{answering({0, "OK|i0\rFAIL|i1\r\nOK|i2\r", ""})};
     CleanResult result;
     Cleaner::runPrivileged({{pathItem(area + "/one", RemovalMethod::adminTrash(), 5), false},
                             {pathItem(area + "/two", RemovalMethod::adminTrash(), 7), false},
@@ -195,7 +195,7 @@ TEST_F(AdminBatchTest, EveryItemLeftOutStillRunsTheScriptOnce) {
     };
 
     // An answer for a left-out key must not count: only written lines speak.
-    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    AuthorizationToolRecorder recorder{realScriptRunner()};
     CleanResult result;
     Cleaner::runPrivileged(work, result);
 
@@ -210,7 +210,7 @@ TEST_F(AdminBatchTest, EveryItemLeftOutStillRunsTheScriptOnce) {
 }
 
 TEST_F(AdminBatchTest, AnswersForLinesNeverWrittenAreIgnored) {
-    ScriptRecorder recorder{Shell::Output{0, "OK|i0\nOK|i1\n", ""}};
+    AuthorizationToolRecorder recorder{answering({0, "OK|i0\nOK|i1\n", ""})};
     CleanResult result;
     Cleaner::runPrivileged({{pathItem(home.home() + "/Documents", RemovalMethod::adminTrash(), 3), false},
                             {pathItem(area + "/fine", RemovalMethod::adminTrash(), 4), false}},
@@ -224,8 +224,8 @@ TEST_F(AdminBatchTest, AnswersForLinesNeverWrittenAreIgnored) {
 
 TEST_F(AdminBatchTest, DismissedDialogFailsEveryItemAndCountsNothing) {
     const std::string kept = areaFile("kept", "k");
-    ScriptRecorder recorder{
-        Shell::Output{126, "", "-128: Error executing command as another user: Not authorized"}};
+    AuthorizationToolRecorder recorder{
+        answering({126, "", "-128: Error executing command as another user: Not authorized"})};
     CleanResult result;
     result.movedToTrashBytes = 7;
     result.deletedBytes = 11;
@@ -251,7 +251,7 @@ TEST_F(AdminBatchTest, ToolFailureQuotesTheFirst200Characters) {
     for (int i = 0; i < 150; ++i)
         message += "\xC3\xA9"; // é, two bytes each
     message += std::string(100, 'x');
-    ScriptRecorder recorder{Shell::Output{1, "OK|i0\n", message}};
+    AuthorizationToolRecorder recorder{answering({1, "OK|i0\n", message})};
     CleanResult result;
     Cleaner::runPrivileged({{pathItem(area + "/one", RemovalMethod::adminTrash(), 5), false}}, result);
     ASSERT_EQ(result.failures.size(), 1u);
@@ -319,7 +319,7 @@ TEST_F(AdminBatchTest, TrashFolderIsMadeByTheUserBeforeTheBatch) {
 
     const std::string item = area + "/item";
     const int code = runUnprivileged([&] {
-        ScriptRecorder recorder{Shell::Output{126, "", "-128"}};
+        AuthorizationToolRecorder recorder{answering({126, "", "-128"})};
         CleanResult result;
         Cleaner::runPrivileged({{pathItem(item, RemovalMethod::adminTrash()), false}}, result);
         if (recorder.calls().size() != 1)

@@ -6,52 +6,31 @@
 #include "CleanerFixtures.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
+#include "support/DeepTree.h"
+#include "support/HostileNames.h"
+#include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdio>
-#include <fcntl.h>
 #include <future>
 #include <set>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace {
 
 const std::string sipReason = "Protected by macOS (SIP) or currently in use";
 
-std::vector<std::string> hostileNames() {
-    return {"it's",
-            "say \"hi\"",
-            "back\\slash",
-            "$(touch PWNED)",
-            "`touch PWNED`",
-            "$DEST",
-            "semi;colon & amp | pipe",
-            "new\nline",
-            "\n",
-            "ends in newline\n",
-            "-rf",
-            "--",
-            " leading and trailing ",
-            "*",
-            "bad \xFF\xFE utf8 \xC3",
-            std::string(255, 'n'),
-            std::string(253, 'e') + "\xC3\xA9"};
-}
-
 class CleanerHostileTest : public CleanerHomeTest {
 protected:
     // Everything in the fake home's tree except the items, the Trash folders the
     // items go to and the temporary folder that holds helper scripts.
-    std::map<std::string, std::string> snapshotOutside(const std::vector<std::string>& items) const {
-        std::vector<std::string> excluded = items;
-        excluded.push_back(home.home() + "/.Trash");
-        excluded.push_back(home.tmp());
+    TreeSnapshot snapshotOutside(const std::vector<std::string>& items) const {
+        std::set<std::string> excluded(items.begin(), items.end());
+        excluded.insert({home.home() + "/.Trash", home.tmp()});
         return snapshotTree(home.tree().root(), excluded);
     }
 
@@ -71,7 +50,7 @@ protected:
         char cwd[4096];
         const std::string here = ::getcwd(cwd, sizeof cwd) ? cwd : ".";
         for (const std::string& folder : {here, home.home(), home.tmp(), area, std::string("/")})
-            if (exists(folder + "/PWNED"))
+            if (exists(folder + "/" + kInjectionMarker))
                 return true;
         return false;
     }
@@ -101,35 +80,6 @@ template <typename Body> auto finishing(Body body) {
     return future.get();
 }
 
-void makeSocket(const std::string& path) {
-    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_GE(fd, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    ASSERT_LT(path.size(), sizeof address.sun_path);
-    path.copy(address.sun_path, path.size());
-    ASSERT_EQ(::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ::close(fd);
-}
-
-// A path of `depth` nested folders named "d" below `root`, made through
-// descriptors since the full path is far longer than PATH_MAX.
-void makeDeepTree(const std::string& root, int depth) {
-    int fd = ::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    ASSERT_GE(fd, 0);
-    for (int i = 0; i < depth; ++i) {
-        ASSERT_EQ(::mkdirat(fd, "d", 0755), 0) << "level " << i;
-        const int next = ::openat(fd, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        ::close(fd);
-        ASSERT_GE(next, 0) << "level " << i;
-        fd = next;
-    }
-    const int file = ::openat(fd, "bottom", O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-    ASSERT_GE(file, 0);
-    ::close(file);
-    ::close(fd);
-}
-
 } // namespace
 
 TEST_F(CleanerHostileTest, HostileNamesAreTrashedAndDeletedExactly) {
@@ -144,7 +94,7 @@ TEST_F(CleanerHostileTest, HostileNamesAreTrashedAndDeletedExactly) {
     paths.insert(paths.end(), toDelete.begin(), toDelete.end());
     const auto before = snapshotOutside(paths);
 
-    ScriptRecorder recorder{Shell::Output{1, "", "must not be asked"}};
+    AuthorizationToolRecorder recorder{answering({1, "", "must not be asked"})};
     const CleanResult result = Cleaner::clean(items);
 
     EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
@@ -156,7 +106,7 @@ TEST_F(CleanerHostileTest, HostileNamesAreTrashedAndDeletedExactly) {
     EXPECT_EQ(trashed, allNames());
     for (const std::string& path : paths)
         EXPECT_FALSE(exists(path)) << path;
-    EXPECT_EQ(snapshotOutside(paths), before);
+    EXPECT_EQ(describeDifferences(before, snapshotOutside(paths)), "");
     EXPECT_FALSE(injectionRan());
 }
 
@@ -177,7 +127,7 @@ TEST_F(CleanerHostileTest, HostileNamesPassThroughTheAdministratorBatch) {
     paths.push_back(commandOutput);
     const auto before = snapshotOutside(paths);
 
-    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    AuthorizationToolRecorder recorder{realScriptRunner()};
     CleanResult result;
     Cleaner::runPrivileged(work, result);
 
@@ -193,7 +143,7 @@ TEST_F(CleanerHostileTest, HostileNamesPassThroughTheAdministratorBatch) {
     for (const std::string& path : toDelete)
         EXPECT_FALSE(exists(path)) << path;
     EXPECT_EQ(readFile(commandOutput), "it's $HOME");
-    EXPECT_EQ(snapshotOutside(paths), before);
+    EXPECT_EQ(describeDifferences(before, snapshotOutside(paths)), "");
     EXPECT_FALSE(injectionRan());
 }
 
@@ -210,7 +160,7 @@ TEST_F(CleanerHostileTest, ItemSwappedForALinkLosesOnlyTheLink) {
     }
     const auto before = snapshotOutside(items);
 
-    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    AuthorizationToolRecorder recorder{realScriptRunner()};
     const CleanResult result = finishing([&] {
         CleanResult cleaned = Cleaner::clean({pathItem(items[0], RemovalMethod::trash()),
                                               pathItem(items[1], RemovalMethod::permanent()),
@@ -228,7 +178,7 @@ TEST_F(CleanerHostileTest, ItemSwappedForALinkLosesOnlyTheLink) {
     EXPECT_EQ(typeOf(result.trashedURLs[0]), S_IFLNK);
     EXPECT_EQ(typeOf(result.trashedURLs[1] + "/by-admin-move"), S_IFLNK);
     EXPECT_EQ(readFile(victim + "/precious"), "precious");
-    EXPECT_EQ(snapshotOutside(items), before);
+    EXPECT_EQ(describeDifferences(before, snapshotOutside(items)), "");
 }
 
 TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
@@ -244,7 +194,7 @@ TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
     }
     const auto before = snapshotOutside({home.home() + "/.Trash"});
 
-    ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+    AuthorizationToolRecorder recorder{realScriptRunner()};
     const CleanResult result = finishing([&] {
         CleanResult cleaned = Cleaner::clean({pathItem(items[0], RemovalMethod::trash()),
                                               pathItem(items[1], RemovalMethod::permanent()),
@@ -262,21 +212,18 @@ TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
         EXPECT_TRUE(itemLines(call.script).empty()) << call.script;
     EXPECT_EQ(result.failures[2].reason, sipReason);
     EXPECT_EQ(result.failures[3].reason, sipReason);
-    EXPECT_EQ(snapshotOutside({home.home() + "/.Trash"}), before);
+    EXPECT_EQ(describeDifferences(before, snapshotOutside({home.home() + "/.Trash"})), "");
 }
 
 TEST_F(CleanerHostileTest, FifosAndSocketsAreRemovedWithoutBlocking) {
     // Socket addresses hold about 100 bytes, so these items live in a short folder.
-    const std::string shortFolder = home.makeDir("sk");
     const std::string fifoTrash = home.tree().makeFifo("home/sk/fifo-t");
     const std::string fifoDelete = home.tree().makeFifo("home/sk/fifo-d");
-    const std::string socketTrash = shortFolder + "/sock-t";
-    const std::string socketDelete = shortFolder + "/sock-d";
-    makeSocket(socketTrash);
-    makeSocket(socketDelete);
+    const std::string socketTrash = home.tree().makeSocket("home/sk/sock-t");
+    const std::string socketDelete = home.tree().makeSocket("home/sk/sock-d");
     const std::string folder = home.makeDir("sk/holder");
     home.tree().makeFifo("home/sk/holder/inner-fifo");
-    makeSocket(folder + "/s");
+    home.tree().makeSocket("home/sk/holder/s");
     const std::vector<std::string> items = {fifoTrash, fifoDelete, socketTrash, socketDelete, folder};
     const auto before = snapshotOutside(items);
 
@@ -295,7 +242,7 @@ TEST_F(CleanerHostileTest, FifosAndSocketsAreRemovedWithoutBlocking) {
     EXPECT_EQ(typeOf(result.trashedURLs[1]), S_IFSOCK);
     for (const std::string& path : items)
         EXPECT_FALSE(exists(path)) << path;
-    EXPECT_EQ(snapshotOutside(items), before);
+    EXPECT_EQ(describeDifferences(before, snapshotOutside(items)), "");
 }
 
 TEST_F(CleanerHostileTest, UnreadableFolderInsideADeletedItem) {
@@ -311,7 +258,7 @@ TEST_F(CleanerHostileTest, UnreadableFolderInsideADeletedItem) {
     const int code = runUnprivileged([&] {
         if (::geteuid() == 0)
             return 20;
-        ScriptRecorder recorder{ScriptRecorder::RunScripts{}};
+        AuthorizationToolRecorder recorder{realScriptRunner()};
         const CleanResult result = Cleaner::clean({pathItem(item, RemovalMethod::permanent(), 8192)});
         if (!everyReasonIsNonEmpty(result))
             return 1;
@@ -330,12 +277,13 @@ TEST_F(CleanerHostileTest, UnreadableFolderInsideADeletedItem) {
     });
     EXPECT_EQ(code, 0);
     EXPECT_TRUE(exists(item + "/locked"));
-    EXPECT_EQ(snapshotOutside({item}), before);
+    EXPECT_EQ(describeDifferences(before, snapshotOutside({item})), "");
 }
 
 TEST_F(CleanerHostileTest, TenThousandLevelsDeep) {
     const std::string deep = areaDir("deep");
-    makeDeepTree(deep, 10000);
+    const RemovedOnExit cleanup{deep};
+    ASSERT_EQ(buildDeepTree(deep, 10000), 0);
     const auto before = snapshotOutside({deep});
 
     const CleanResult result =
@@ -343,5 +291,5 @@ TEST_F(CleanerHostileTest, TenThousandLevelsDeep) {
     EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
     EXPECT_EQ(result.deletedBytes, 123);
     EXPECT_FALSE(exists(deep));
-    EXPECT_EQ(snapshotOutside({deep}), before);
+    EXPECT_EQ(describeDifferences(before, snapshotOutside({deep})), "");
 }

@@ -59,7 +59,7 @@ TEST_F(CleanerTest, SafetyCheckRefusesProtectedShallowAndMalformedPaths) {
 }
 
 TEST_F(CleanerTest, EmptyListOnlyReportsDone) {
-    ScriptRecorder recorder{Shell::Output{0, "", ""}};
+    AuthorizationToolRecorder recorder{answering({0, "", ""})};
     ProgressLog progress;
     const CleanResult result = Cleaner::clean({}, recordInto(progress));
     EXPECT_EQ(progress, (ProgressLog{{1.0, "Done"}}));
@@ -87,7 +87,7 @@ TEST_F(CleanerTest, ProtectedAndShallowPathsNeverReachAnyRemoval) {
         pathItem("/veltro-absent-folder/item", RemovalMethod::adminTrash()),
         pathItem(legit, RemovalMethod::adminTrash()),
     };
-    ScriptRecorder recorder{Shell::Output{0, "", ""}};
+    AuthorizationToolRecorder recorder{answering({0, "", ""})};
     const CleanResult result = Cleaner::clean(items);
 
     ASSERT_EQ(result.failures.size(), 8u) << ::testing::PrintToString(reasonsOf(result));
@@ -111,7 +111,7 @@ TEST_F(CleanerTest, ProtectedAndShallowPathsNeverReachAnyRemoval) {
 TEST_F(CleanerTest, SystemFoldersAreRefusedWithoutEverAskingForThePassword) {
     giveHomeToUnprivilegedUser();
     const int code = runUnprivileged([] {
-        ScriptRecorder recorder{Shell::Output{0, "OK|i0\nOK|i1\nOK|i2\n", ""}};
+        AuthorizationToolRecorder recorder{answering({0, "OK|i0\nOK|i1\nOK|i2\n", ""})};
         const CleanResult result = Cleaner::clean({pathItem("/usr", RemovalMethod::trash()),
                                                    pathItem("/usr", RemovalMethod::permanent()),
                                                    pathItem("/usr/", RemovalMethod::adminTrash()),
@@ -141,7 +141,7 @@ TEST_F(CleanerTest, PermissionErrorsGoToTheBatchWithTheirOwnMethod) {
     const int code = runUnprivileged([&] {
         if (::geteuid() == 0)
             return 20;
-        ScriptRecorder recorder{Shell::Output{126, "", "-128"}};
+        AuthorizationToolRecorder recorder{answering({126, "", "-128"})};
         ProgressLog progress;
         const CleanResult result = Cleaner::clean({pathItem(movable, RemovalMethod::trash(), 10),
                                                    pathItem(deletable, RemovalMethod::permanent(), 20)},
@@ -185,7 +185,7 @@ TEST_F(CleanerTest, EachMethodMovesDeletesAndCountsItsBytes) {
     const std::string spelledURL = area + "//./spelled/";
     const std::string tildeURL = "~" + tilde.substr(home.home().size());
 
-    ScriptRecorder recorder{Shell::Output{0, "", ""}};
+    AuthorizationToolRecorder recorder{answering({0, "", ""})};
     const CleanResult result = Cleaner::clean({
         pathItem(Paths::parentFolder(toTrash), RemovalMethod::trash(), 100),
         trashWithoutPath,
@@ -248,7 +248,7 @@ TEST_F(CleanerTest, ProgressNamesEachItemThenThePasswordWaitThenDone) {
     const std::string a = areaFile("alpha", "a");
     const std::string b = areaFile("beta", "bb");
     const std::string c = areaFile("gamma", "ccc");
-    ScriptRecorder recorder{Shell::Output{0, "OK|i0\n", ""}};
+    AuthorizationToolRecorder recorder{answering({0, "OK|i0\n", ""})};
     ProgressLog progress;
     const CleanResult result =
         Cleaner::clean({pathItem(a, RemovalMethod::trash(), 1), pathItem(b, RemovalMethod::trash(), 2),

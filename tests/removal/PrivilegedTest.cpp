@@ -1,42 +1,19 @@
 #include "removal/Privileged.h"
 
 #include "platform/Environment.h"
+#include "support/AuthorizationToolStandIn.h"
 #include "support/FakeHome.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <dirent.h>
-#include <fstream>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
-
-std::vector<std::string> entriesOf(const std::string& folder) {
-    std::vector<std::string> names;
-    if (DIR* dir = ::opendir(folder.c_str())) {
-        while (const dirent* entry = ::readdir(dir)) {
-            const std::string name = entry->d_name;
-            if (name != "." && name != "..")
-                names.push_back(name);
-        }
-        ::closedir(dir);
-    }
-    return names;
-}
-
-std::string contentOf(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
 
 // Each test installs its own stand-in and the platform's tool comes back after it.
 class PrivilegedTest : public ::testing::Test {
@@ -88,7 +65,7 @@ TEST_F(PrivilegedTest, ScriptFileIsPrivateAndRemovedAfterTheRun) {
         seenPath = path;
         seenPrompt = prompt;
         seenTimeout = timeout;
-        seenContent = contentOf(path);
+        seenContent = readFile(path);
         struct stat status {};
         if (::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
             seenMode = status.st_mode & 07777;
@@ -119,9 +96,8 @@ TEST_F(PrivilegedTest, ScriptFileIsRemovedWhenTheToolFails) {
     EXPECT_TRUE(entriesOf(home.tmp()).empty());
 
     // A dismissed dialog comes back unchanged, recognisable by its "-128".
-    Privileged::setAuthorizationTool([](const std::string&, const std::string&, double) {
-        return Shell::Output{126, "", "-128: Error executing command as another user: Request dismissed"};
-    });
+    Privileged::setAuthorizationTool(
+        answering({126, "", "-128: Error executing command as another user: Request dismissed"}));
     const auto dismissed = Privileged::run("#!/bin/sh\nexit 0\n", "Prompt", 5);
     EXPECT_NE(dismissed.status, 0);
     EXPECT_NE(dismissed.standardError.find("-128"), std::string::npos);

@@ -39,11 +39,6 @@ Date daysAgo(int days) {
     return Dates::now() - std::chrono::seconds(days * day);
 }
 
-void writeScript(const FakeHome& home, const std::string& tool, const std::string& body) {
-    const std::string path = home.makeFile(".docker/bin/" + tool, "#!/bin/sh\n" + body + "\n");
-    ASSERT_EQ(::chmod(path.c_str(), 0755), 0);
-}
-
 size_t countOf(const RecordedScan& scan, const std::string& id) {
     return static_cast<size_t>(std::count_if(scan.items.begin(), scan.items.end(),
                                              [&](const ScanItem& item) { return item.id == id; }));
@@ -193,11 +188,10 @@ TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
     FakeHome home;
     ASSERT_NE(Shell::run("command -v xcrun", 10).status, 0) << "this machine has a real xcrun";
     home.makeFile("Library/Caches/Homebrew/downloads/pkg.tar", "bottle");
-    writeScript(home, "brew", "exit 0");
-    writeScript(home, "tmutil",
-                "printf 'com.apple.TimeMachine.2024-01-01-000000.local\\n"
-                "com.apple.TimeMachine.2024-01-02-000000.local\\n"
-                "com.apple.TimeMachine.2024-01-03-000000.local\\n'");
+    home.installTool("brew", "exit 0");
+    home.installTool("tmutil", "printf 'com.apple.TimeMachine.2024-01-01-000000.local\\n"
+                               "com.apple.TimeMachine.2024-01-02-000000.local\\n"
+                               "com.apple.TimeMachine.2024-01-03-000000.local\\n'");
 
     RecordedScan scan = recordScan(quietOptions());
 
@@ -220,13 +214,13 @@ TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
     EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/Homebrew")), "dev.packages");
 
     // The probe counts nothing: "0".
-    writeScript(home, "tmutil", "exit 0");
+    home.installTool("tmutil", "exit 0");
     scan = recordScan(quietOptions());
     EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);
 
     // The probe prints only white space (a grep that finds a blank line, here).
-    writeScript(home, "tmutil", "echo com.apple");
-    writeScript(home, "grep", "printf ' \\t\\r\\n\\n'");
+    home.installTool("tmutil", "echo com.apple");
+    home.installTool("grep", "printf ' \\t\\r\\n\\n'");
     scan = recordScan(quietOptions());
     EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);
     EXPECT_NE(scan.item("cmd.brew"), nullptr);

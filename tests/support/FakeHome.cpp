@@ -30,7 +30,9 @@ FakeHome::~FakeHome() {
         ::unsetenv("TMPDIR");
 }
 
-std::string FakeHome::makeDir(const std::string& relative) const { return tree_.makeDir("home/" + relative); }
+std::string FakeHome::makeDir(const std::string& relative) const {
+    return tree_.makeDir("home/" + relative);
+}
 
 std::string FakeHome::makeFile(const std::string& relative, const std::string& content) const {
     return tree_.makeFile("home/" + relative, content);
@@ -38,4 +40,8 @@ std::string FakeHome::makeFile(const std::string& relative, const std::string& c
 
 std::string FakeHome::makeFileOfSize(const std::string& relative, int64_t bytes) const {
     return tree_.makeFileOfSize("home/" + relative, bytes);
+}
+
+std::string FakeHome::installTool(const std::string& name, const std::string& body) const {
+    return tree_.makeScript("home/.docker/bin/" + name, body);
 }

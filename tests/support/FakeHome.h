@@ -23,6 +23,9 @@ public:
     std::string makeDir(const std::string& relative) const;
     std::string makeFile(const std::string& relative, const std::string& content = {}) const;
     std::string makeFileOfSize(const std::string& relative, int64_t bytes) const;
+    // A stand-in command-line tool: an executable shell script running `body` in
+    // ~/.docker/bin, a folder on the search path the shell runner gives its children.
+    std::string installTool(const std::string& name, const std::string& body) const;
 
 private:
     TempTree tree_;

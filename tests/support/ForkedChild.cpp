@@ -1,4 +1,4 @@
-#include "ForkedChild.h"
+#include "support/ForkedChild.h"
 
 #include <sched.h>
 #include <sys/mount.h>
@@ -23,6 +23,29 @@ int runInChild(const std::function<int()>& body, unsigned seconds) {
     while (::waitpid(child, &status, 0) < 0) {
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::optional<std::vector<int64_t>> numbersFromChild(const std::function<std::vector<int64_t>()>& body) {
+    int channel[2];
+    if (::pipe(channel) != 0)
+        return std::nullopt;
+    const int status = runInChild([&] {
+        ::close(channel[0]);
+        const std::vector<int64_t> numbers = body();
+        const size_t bytes = numbers.size() * sizeof(int64_t);
+        const bool written = ::write(channel[1], numbers.data(), bytes) == static_cast<ssize_t>(bytes);
+        ::close(channel[1]);
+        return written ? 0 : 3;
+    });
+    ::close(channel[1]);
+    std::vector<int64_t> numbers;
+    int64_t value = 0;
+    while (::read(channel[0], &value, sizeof value) == static_cast<ssize_t>(sizeof value))
+        numbers.push_back(value);
+    ::close(channel[0]);
+    if (status != 0)
+        return std::nullopt;
+    return numbers;
 }
 
 bool enterPrivateMountNamespace() {

@@ -8,14 +8,18 @@
 #include <filesystem>
 #include <ftw.h>
 #include <stdexcept>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 #include <utime.h>
 #include <vector>
 
 namespace {
 
-[[noreturn]] void fail(const std::string& what) { throw std::runtime_error(what + ": " + std::strerror(errno)); }
+[[noreturn]] void fail(const std::string& what) {
+    throw std::runtime_error(what + ": " + std::strerror(errno));
+}
 
 void makeParents(const std::string& path) {
     const size_t slash = path.rfind('/');
@@ -49,7 +53,9 @@ TempTree::TempTree() {
     ::chmod(root_.c_str(), 0755);
 }
 
-TempTree::~TempTree() { removeTreeForcefully(root_); }
+TempTree::~TempTree() {
+    removeTreeForcefully(root_);
+}
 
 std::string TempTree::path(const std::string& relative) const {
     return relative.empty() ? root_ : root_ + "/" + relative;
@@ -84,6 +90,13 @@ std::string TempTree::makeFile(const std::string& relative, const std::string& c
     return full;
 }
 
+std::string TempTree::makeScript(const std::string& relative, const std::string& body) const {
+    const std::string full = makeFile(relative, "#!/bin/sh\n" + body + "\n");
+    if (::chmod(full.c_str(), 0755) != 0)
+        fail("chmod " + full);
+    return full;
+}
+
 std::string TempTree::makeFileOfSize(const std::string& relative, int64_t bytes) const {
     const std::string full = path(relative);
     makeParents(full);
@@ -95,7 +108,8 @@ std::string TempTree::makeFileOfSize(const std::string& relative, int64_t bytes)
         std::vector<char> block(1 << 16, 'x');
         int64_t left = bytes;
         while (left > 0) {
-            const size_t chunk = static_cast<size_t>(std::min<int64_t>(left, static_cast<int64_t>(block.size())));
+            const size_t chunk =
+                static_cast<size_t>(std::min<int64_t>(left, static_cast<int64_t>(block.size())));
             if (::write(fd, block.data(), chunk) != static_cast<ssize_t>(chunk)) {
                 ::close(fd);
                 fail("write " + full);
@@ -142,6 +156,26 @@ std::string TempTree::makeFifo(const std::string& relative) const {
     makeParents(full);
     if (::mkfifo(full.c_str(), 0644) != 0)
         fail("mkfifo " + full);
+    return full;
+}
+
+std::string TempTree::makeSocket(const std::string& relative) const {
+    const std::string full = path(relative);
+    makeParents(full);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (full.size() >= sizeof address.sun_path)
+        throw std::runtime_error("socket path too long: " + full);
+    full.copy(address.sun_path, full.size());
+    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (fd < 0 || ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+        const int error = errno;
+        if (fd >= 0)
+            ::close(fd);
+        errno = error;
+        fail("socket " + full);
+    }
+    ::close(fd);
     return full;
 }
 

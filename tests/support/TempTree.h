@@ -22,6 +22,8 @@ public:
     // Creates parent folders as needed; returns the absolute path.
     std::string makeDir(const std::string& relative, mode_t mode = 0755) const;
     std::string makeFile(const std::string& relative, const std::string& content = {}) const;
+    // An executable shell script: "#!/bin/sh", then `body`.
+    std::string makeScript(const std::string& relative, const std::string& body) const;
     // A file of `bytes` real (non-sparse) data.
     std::string makeFileOfSize(const std::string& relative, int64_t bytes) const;
     // A sparse file of logical length `bytes` with nothing allocated.
@@ -29,6 +31,8 @@ public:
     std::string makeSymlink(const std::string& relative, const std::string& target) const;
     std::string makeHardLink(const std::string& relative, const std::string& existingRelative) const;
     std::string makeFifo(const std::string& relative) const;
+    // A bound Unix socket; its absolute path must fit the ~100 bytes of a socket address.
+    std::string makeSocket(const std::string& relative) const;
 
 private:
     std::string root_;

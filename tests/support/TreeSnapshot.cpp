@@ -1,4 +1,4 @@
-#include "TreeSnapshot.h"
+#include "support/TreeSnapshot.h"
 
 #include <fcntl.h>
 #include <ftw.h>
@@ -60,7 +60,8 @@ TreeSnapshot snapshotTree(const std::string& root, const std::set<std::string>& 
     TreeSnapshot snapshot;
     current = &snapshot;
     skipped = &excluded;
-    ::nftw(root.c_str(), record, 32, FTW_PHYS | FTW_ACTIONRETVAL);
+    if (::nftw(root.c_str(), record, 32, FTW_PHYS | FTW_ACTIONRETVAL) != 0)
+        snapshot["<walk failed>"] = TreeEntry{};
     current = nullptr;
     skipped = nullptr;
     return snapshot;

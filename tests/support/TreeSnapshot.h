@@ -20,7 +20,7 @@ struct TreeEntry {
 using TreeSnapshot = std::map<std::string, TreeEntry>;
 
 // Walks `root` with nftw(FTW_PHYS), never following links, leaving out the subtrees
-// in `excluded` (absolute paths).
+// in `excluded` (absolute paths). A walk that fails adds an entry "<walk failed>".
 TreeSnapshot snapshotTree(const std::string& root, const std::set<std::string>& excluded = {});
 
 // The differences between two snapshots, one path per line, for failure messages.

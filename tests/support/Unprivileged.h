@@ -9,8 +9,10 @@
 uid_t unprivilegedUid();
 gid_t unprivilegedGid();
 
-// Forks; the child drops to the unprivileged user when running as root (keeps its
-// own ids otherwise), runs `body` and exits with its return value. Returns that
-// exit status, or -1 when the child died abnormally. Do not touch gtest assertions
-// inside `body`: report through the return value.
+// In a forked child: becomes the unprivileged user when running as root (keeps its
+// own ids otherwise). False when the ids could not be changed.
+bool becomeUnprivileged();
+
+// runInChild (support/ForkedChild.h) with the child unprivileged first; 125 when it
+// could not drop its rights.
 int runUnprivileged(const std::function<int()>& body);

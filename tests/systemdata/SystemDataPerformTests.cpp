@@ -1,6 +1,7 @@
 #include "systemdata/SystemDataAnalyzer.h"
 
 #include "SystemDataTesting.h"
+#include "support/PathQueries.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -10,11 +11,6 @@ namespace {
 SystemDataEntry::Action userAction(std::string shell) {
     return {
         .title = "Try", .shell = std::move(shell), .admin = false, .risk = Risk::caution, .confirm = "Sure?"};
-}
-
-bool exists(const std::string& path) {
-    struct stat info {};
-    return ::lstat(path.c_str(), &info) == 0;
 }
 
 } // namespace

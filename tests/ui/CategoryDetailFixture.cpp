@@ -107,12 +107,6 @@ void CategoryDetail::trigger(const QString& name) {
     QMetaObject::invokeMethod(entry, "triggered");
 }
 
-void CategoryDetail::addTool(const std::string& tool, const std::string& body) {
-    // ~/.docker/bin is on the search path the shell runner gives its children.
-    const std::string path = home().makeFile(".docker/bin/" + tool, "#!/bin/sh\n" + body + "\n");
-    ASSERT_EQ(::chmod(path.c_str(), 0755), 0);
-}
-
 void CategoryDetail::age(const std::string& relative, int days) {
     const time_t then = std::time(nullptr) - time_t(days) * 24 * 3600;
     const utimbuf times{then, then};

@@ -38,8 +38,6 @@ protected:
     bool menuEntryShown(const QString& name);
     void trigger(const QString& name);
 
-    // An executable `tool` running `body`, in a folder on the children's search path.
-    void addTool(const std::string& tool, const std::string& body);
     // Sets the modification time of the home-relative `path` `days` in the past.
     void age(const std::string& relative, int days);
 };

@@ -29,7 +29,7 @@ protected:
     void scanPackages() {
         home().makeFileOfSize(".npm/_logs/debug-1.log", 120'000);
         home().makeFileOfSize(".gradle/caches/modules-2/files.bin", 300'000);
-        addTool("brew", "exit 0");
+        home().installTool("brew", "exit 0");
         age(".npm/_cacache", 10);
         age(".npm/_logs", 3);
         age(".gradle/caches", 30);
@@ -129,8 +129,8 @@ TEST_F(CategoryTable, FilterMatchesNamesAndLocationsWhateverTheCase) {
 }
 
 TEST_F(CategoryTable, RowsShowLocationNoteBadgeAndIcon) {
-    addTool("tmutil", "printf 'com.apple.TimeMachine.2024-01-01-000000.local\\n"
-                      "com.apple.TimeMachine.2024-01-02-000000.local\\n'");
+    home().installTool("tmutil", "printf 'com.apple.TimeMachine.2024-01-01-000000.local\\n"
+                                 "com.apple.TimeMachine.2024-01-02-000000.local\\n'");
     scanPackages();
 
     // Different folders: no common location, every row its own line.

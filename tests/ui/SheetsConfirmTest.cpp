@@ -6,6 +6,7 @@
 
 #include "catalogue/CleanupRules.h"
 #include "platform/Paths.h"
+#include "support/PathQueries.h"
 #include "ui/Format.h"
 
 #include <cerrno>
@@ -18,16 +19,7 @@
 
 namespace {
 
-bool exists(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0;
-}
-
 // A stand-in command-line tool on the search path of probes and clean-up commands.
-void installTool(FakeHome& home, const std::string& name, const std::string& body) {
-    const std::string path = home.makeFile(".docker/bin/" + name, "#!/bin/sh\n" + body + "\n");
-    ASSERT_EQ(::chmod(path.c_str(), 0755), 0);
-}
 
 // Makes a folder one this process may not write into while it lives: read-only
 // permissions for an ordinary user; for root, whom permissions do not stop, the
@@ -96,8 +88,8 @@ protected:
 };
 
 TEST_F(Sheets, ConfirmListsEveryRemovalMethodAndCountsAdministratorCommandsTwice) {
-    installTool(home(), "brew", "exit 0");
-    installTool(home(), "tmutil", "echo com.apple.TimeMachine.2024-05-01-101010.local");
+    home().installTool("brew", "exit 0");
+    home().installTool("tmutil", "echo com.apple.TimeMachine.2024-05-01-101010.local");
     ASSERT_TRUE(scanToEnd());
     const std::string cache = idOf("Library/Caches/com.example.editor");
     const std::string trashed = idOf(".Trash/old-report.pdf");

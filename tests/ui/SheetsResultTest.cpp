@@ -5,6 +5,7 @@
 #include "WindowFixture.h"
 
 #include "platform/Paths.h"
+#include "support/PathQueries.h"
 #include "ui/Format.h"
 
 #include <QQuickItem>
@@ -13,14 +14,7 @@
 #include <filesystem>
 #include <sys/stat.h>
 
-namespace {
-
-bool exists(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0;
-}
-
-} // namespace
+namespace {} // namespace
 
 class SheetsResult : public WindowTest {
 protected:
@@ -90,8 +84,7 @@ TEST_F(SheetsResult, ASuccessfulCleanOffersToDeleteWhatWentToTheTrash) {
 }
 
 TEST_F(SheetsResult, FailuresShowTheTriangleTheListAndTheAccessNote) {
-    home().makeFile(".docker/bin/brew", "#!/bin/sh\necho 'Error: permission denied' >&2\nexit 1\n");
-    ASSERT_EQ(::chmod(home().path(".docker/bin/brew").c_str(), 0755), 0);
+    home().installTool("brew", "echo 'Error: permission denied' >&2\nexit 1");
     ASSERT_TRUE(scanToEnd());
     const std::string cache = idOf("Library/Caches/com.example.editor");
     const std::string gone = idOf("Library/Caches/org.example.player");

@@ -9,6 +9,7 @@
 #include "platform/ShellQuote.h"
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
+#include "support/PathQueries.h"
 #include "ui/Format.h"
 
 #include <QQuickItem>
@@ -44,11 +45,6 @@ int linesIn(const std::string& path) {
     return lines;
 }
 
-bool exists(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0;
-}
-
 } // namespace
 
 class SystemData : public WindowTest {
@@ -57,10 +53,6 @@ protected:
         navigate("systemData");
         ASSERT_TRUE(
             UiHarness::waitFor([&] { return window()->findChild<QObject*>("systemDataView") != nullptr; }));
-    }
-    void installTool(const std::string& name, const std::string& body) {
-        const std::string path = home().makeFile(".docker/bin/" + name, "#!/bin/sh\n" + body + "\n");
-        ASSERT_EQ(::chmod(path.c_str(), 0755), 0);
     }
     bool visible(const QString& name) { return read(name, "visible").toBool(); }
     QString sizeText(const QString& id) { return text("systemSize_" + id); }
@@ -175,7 +167,7 @@ TEST_F(SystemData, AnAnalysisFillsTheSizesAndTheSnapshotCount) {
     EXPECT_FALSE(actionEnabled("tm"));
     EXPECT_TRUE(actionEnabled("vm"));
 
-    installTool("tmutil", "echo com.apple.TimeMachine.2024-05-01-101010.local");
+    home().installTool("tmutil", "echo com.apple.TimeMachine.2024-05-01-101010.local");
     clickOnScreen("analyzeButton");
     ASSERT_TRUE(analysisEnds());
     EXPECT_EQ(sizeText("tm"), "1 snapshots");
@@ -228,8 +220,8 @@ TEST_F(SystemData, EqualAreasKeepCatalogueOrderInTheCompositionBar) {
 
 TEST_F(SystemData, AnActionRunsOnlyAfterContinueAndOneAtATime) {
     const std::string marker = home().path("xcrun-runs");
-    installTool("xcrun", "echo run >> " + shellQuote(marker) +
-                             "\nsleep 1\necho 'simctl: no runtimes found' >&2\nexit 3");
+    home().installTool("xcrun", "echo run >> " + shellQuote(marker) +
+                                    "\nsleep 1\necho 'simctl: no runtimes found' >&2\nexit 3");
     showScreen();
 
     // Cancel: nothing runs.

@@ -1,0 +1,29 @@
+#pragma once
+// Trees deeper than PATH_MAX, which path-based tools (and TempTree's own clean-up)
+// cannot make or remove: made and removed through descriptors, one level at a time.
+
+#include <functional>
+#include <string>
+
+// `levels` nested folders named "d" below the existing folder `top`; every 10th level
+// holds a file "f" and every 100th a small side tree, so that a walk leaves and
+// re-enters folders whose listing is half done. `atLevel(fd, level)` may add more.
+// Returns 0 or an errno.
+int buildDeepTree(const std::string& top, int levels, const std::function<void(int, int)>& atLevel = {});
+
+// Removes `path` and everything below it through descriptors, opening up folders a
+// test locked on the way. False when something stayed.
+bool removeTreeByDescriptors(const std::string& path);
+
+// Removes a tree by descriptors when it goes out of scope, so that a test that stops
+// early still leaves nothing behind.
+class RemovedOnExit {
+public:
+    explicit RemovedOnExit(std::string path) : path_(std::move(path)) {}
+    ~RemovedOnExit() { removeTreeByDescriptors(path_); }
+    RemovedOnExit(const RemovedOnExit&) = delete;
+    RemovedOnExit& operator=(const RemovedOnExit&) = delete;
+
+private:
+    std::string path_;
+};
