@@ -4,30 +4,15 @@
 #include "ModelTestSupport.h"
 
 #include "platform/ShellQuote.h"
-#include "removal/Privileged.h"
-#include "removal/Shell.h"
+#include "support/AuthorizationToolStandIn.h"
 
-#include <atomic>
+#include <optional>
 
 using namespace ModelTest;
 
 namespace {
 
-std::atomic<int> toolRuns{0};
-
-void allowEverything() {
-    Privileged::setAuthorizationTool([](const std::string& script, const std::string&, double timeout) {
-        ++toolRuns;
-        return Shell::run("/bin/sh " + shellQuote(script), timeout);
-    });
-}
-
-void dismissEverything() {
-    Privileged::setAuthorizationTool([](const std::string&, const std::string&, double) {
-        ++toolRuns;
-        return Shell::Output{1, "", "-128: the dialog was dismissed"};
-    });
-}
+const Shell::Output dismissed{1, "", "-128: the dialog was dismissed"};
 
 SystemDataEntry entryWithAction(std::string id, std::string shell, bool admin) {
     SystemDataEntry entry;
@@ -45,7 +30,7 @@ SystemDataEntry entryWithAction(std::string id, std::string shell, bool admin) {
 TEST(SystemDataModel, AnalysesOnceAtATimeAndACancelledOneRestoresTheReport) {
     FakeHome home;
     home.makeFileOfSize("Library/Mail/V10/inbox.mbox", 200'000);
-    allowEverything();
+    std::optional<AuthorizationToolRecorder> tool(std::in_place, runScriptAsCurrentUser);
     AppModel model;
     SignalLog notified(model);
 
@@ -54,7 +39,7 @@ TEST(SystemDataModel, AnalysesOnceAtATimeAndACancelledOneRestoresTheReport) {
     ASSERT_TRUE(model.systemAnalyzing());
     ASSERT_TRUE(waitFor([&] { return !model.systemAnalyzing(); }));
     ASSERT_TRUE(waitForWorkers(model));
-    EXPECT_EQ(toolRuns.load(), 1);
+    EXPECT_EQ(tool->calls().size(), 1u);
     EXPECT_EQ(notified.count("systemAnalyzingChanged"), 2);
     ASSERT_TRUE(model.systemReport().has_value());
     const SystemDataReport first = *model.systemReport();
@@ -63,7 +48,7 @@ TEST(SystemDataModel, AnalysesOnceAtATimeAndACancelledOneRestoresTheReport) {
     EXPECT_TRUE(model.systemMessage().isEmpty());
 
     // The second analysis starts from an empty report and, cancelled, puts the first back.
-    dismissEverything();
+    tool.emplace(answering(dismissed));
     model.analyzeSystemData();
     ASSERT_TRUE(model.systemReport().has_value());
     EXPECT_TRUE(model.systemReport()->sizes.empty());
@@ -73,7 +58,7 @@ TEST(SystemDataModel, AnalysesOnceAtATimeAndACancelledOneRestoresTheReport) {
     EXPECT_EQ(model.systemReport(), std::optional<SystemDataReport>(first));
     EXPECT_EQ(model.systemMessage(), QStringLiteral("Authentication was cancelled"));
     EXPECT_TRUE(model.systemSnapshotsMeasured());
-    EXPECT_EQ(toolRuns.load(), 2);
+    EXPECT_EQ(tool->calls().size(), 1u);
 }
 
 TEST(SystemDataModel, ActionsRunOneAtATimeAndReportTheSpaceFreed) {
@@ -104,7 +89,7 @@ TEST(SystemDataModel, ActionsRunOneAtATimeAndReportTheSpaceFreed) {
               QStringLiteral("Tidy fill completed — 0 KB more free space (re-analyze to update sizes)"));
 
     // A failure names the area, then the reason.
-    dismissEverything();
+    const ScopedAuthorizationTool tool(answering(dismissed));
     model.runSystemAction(entryWithAction("locked", "true", true));
     EXPECT_TRUE(model.systemMessage().isEmpty());
     ASSERT_TRUE(waitFor([&] { return model.systemRunningEntry().isEmpty(); }));

@@ -2,6 +2,7 @@
 
 #include "platform/Environment.h"
 #include "support/FakeHome.h"
+#include "support/ProcessCounts.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
@@ -13,16 +14,6 @@
 #include <thread>
 
 namespace {
-
-int openDescriptorCount() {
-    int count = 0;
-    if (DIR* dir = ::opendir("/proc/self/fd")) {
-        while (const dirent* entry = ::readdir(dir))
-            count += entry->d_name[0] != '.';
-        ::closedir(dir);
-    }
-    return count;
-}
 
 class PermissionsTest : public ::testing::Test {
 protected:

@@ -3,6 +3,7 @@
 #include "platform/Environment.h"
 
 #include "support/FakeHome.h"
+#include "support/ProcessCounts.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
@@ -26,16 +27,6 @@ using Clock = std::chrono::steady_clock;
 
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-int openDescriptorCount() {
-    int count = 0;
-    if (DIR* dir = ::opendir("/proc/self/fd")) {
-        while (const dirent* entry = ::readdir(dir))
-            count += entry->d_name[0] != '.';
-        ::closedir(dir);
-    }
-    return count;
 }
 
 // True while `pid` is a live process (neither gone nor a zombie waiting for its

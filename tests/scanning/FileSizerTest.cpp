@@ -1,7 +1,11 @@
 #include "scanning/FileSizer.h"
 
 #include "TreeFixtures.h"
+#include "support/DeepTree.h"
+#include "support/ForkedChild.h"
+#include "support/ProcessCounts.h"
 #include "support/TempTree.h"
+#include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
 
@@ -148,13 +152,13 @@ TEST(FileSizer, UnreadableFoldersAddNothingButTheirSiblingsCount) {
     ASSERT_EQ(::chmod(tree.path("listable-only").c_str(), 0744), 0);
     const int64_t everything = allocatedBytesOfRegularFiles(tree.root());
 
-    const auto numbers = numbersFromChild(
-        [&] {
-            return std::vector<int64_t>{FileSizer::allocatedSize(tree.root()),
-                                        allocatedBytesOfRegularFiles(tree.root()),
-                                        FileSizer::allocatedSize(tree.path("locked"))};
-        },
-        /*unprivileged=*/true);
+    const auto numbers = numbersFromChild([&] {
+        if (!becomeUnprivileged())
+            return std::vector<int64_t>{};
+        return std::vector<int64_t>{FileSizer::allocatedSize(tree.root()),
+                                    allocatedBytesOfRegularFiles(tree.root()),
+                                    FileSizer::allocatedSize(tree.path("locked"))};
+    });
     ASSERT_TRUE(numbers.has_value());
     ASSERT_EQ(numbers->size(), 3u);
     const int64_t measured = (*numbers)[0];
@@ -218,14 +222,12 @@ TEST(FileSizer, MeasuresATenThousandLevelChainWithinTheDescriptorLimit) {
 
     // With a small descriptor limit a walk that kept every folder open would lose
     // the bottom of the chain.
-    const auto limited = numbersFromChild(
-        [&] {
-            const rlimit limit{64, 64};
-            if (::setrlimit(RLIMIT_NOFILE, &limit) != 0)
-                return std::vector<int64_t>{-1};
-            return std::vector<int64_t>{FileSizer::allocatedSize(tree.path("chain"))};
-        },
-        /*unprivileged=*/false);
+    const auto limited = numbersFromChild([&] {
+        const rlimit limit{64, 64};
+        if (::setrlimit(RLIMIT_NOFILE, &limit) != 0)
+            return std::vector<int64_t>{-1};
+        return std::vector<int64_t>{FileSizer::allocatedSize(tree.path("chain"))};
+    });
     ASSERT_TRUE(limited.has_value());
     ASSERT_EQ(limited->size(), 1u);
     EXPECT_EQ(limited->front(), expected);
@@ -383,25 +385,22 @@ TEST(FileSizer, DoesNotEnterABindMountLoopButCrossesIntoOtherFileSystems) {
 
     // In a child with its own mount namespace, so no mount outlives the test.
     constexpr int64_t kNotPermitted = -2;
-    const auto numbers = numbersFromChild(
-        [&]() -> std::vector<int64_t> {
-            if (::unshare(CLONE_NEWNS) != 0 ||
-                ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
-                return {kNotPermitted};
-            if (::mount(tree.root().c_str(), tree.path("sub/loop").c_str(), nullptr, MS_BIND, nullptr) != 0)
-                return {kNotPermitted};
-            if (::mount("veltro-test", tree.path("other").c_str(), "tmpfs", 0, "size=8m") != 0)
-                return {kNotPermitted};
-            struct stat looped {};
-            if (::stat(tree.path("sub/loop/sub").c_str(), &looped) != 0)
-                return {-3};
-            const int otherFd = ::open(tree.path("other").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            const int64_t onOther = makeFileAt(otherFd, "x", 8192);
-            ::close(otherFd);
-            return {FileSizer::allocatedSize(tree.root()), FileSizer::allocatedSize(tree.path("sub/loop")),
-                    onOther};
-        },
-        /*unprivileged=*/false);
+    const auto numbers = numbersFromChild([&]() -> std::vector<int64_t> {
+        if (!enterPrivateMountNamespace())
+            return {kNotPermitted};
+        if (::mount(tree.root().c_str(), tree.path("sub/loop").c_str(), nullptr, MS_BIND, nullptr) != 0)
+            return {kNotPermitted};
+        if (::mount("veltro-test", tree.path("other").c_str(), "tmpfs", 0, "size=8m") != 0)
+            return {kNotPermitted};
+        struct stat looped {};
+        if (::stat(tree.path("sub/loop/sub").c_str(), &looped) != 0)
+            return {-3};
+        const int otherFd = ::open(tree.path("other").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        const int64_t onOther = makeFileAt(otherFd, "x", 8192);
+        ::close(otherFd);
+        return {FileSizer::allocatedSize(tree.root()), FileSizer::allocatedSize(tree.path("sub/loop")),
+                onOther};
+    });
     ASSERT_TRUE(numbers.has_value());
     ASSERT_FALSE(numbers->empty());
     if (numbers->front() == kNotPermitted)

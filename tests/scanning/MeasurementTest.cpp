@@ -1,5 +1,6 @@
 #include "scanning/Measurement.h"
 
+#include "support/ProcessCounts.h"
 #include "support/TempTree.h"
 
 #include <gtest/gtest.h>
@@ -8,18 +9,6 @@
 #include <set>
 
 namespace {
-
-int threadCount() {
-    DIR* dir = ::opendir("/proc/self/task");
-    if (!dir)
-        return -1;
-    int count = 0;
-    while (const dirent* entry = ::readdir(dir))
-        if (entry->d_name[0] != '.')
-            ++count;
-    ::closedir(dir);
-    return count;
-}
 
 std::vector<Candidate> folderCandidates(const TempTree& tree, int count) {
     std::vector<Candidate> candidates;

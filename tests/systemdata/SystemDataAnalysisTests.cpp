@@ -41,7 +41,7 @@ std::vector<std::string> progressFilesLeft() {
 
 // The progress file's path as the script names it (the PROG= line, still quoted).
 std::string progressAssignment(const std::string& scriptPath) {
-    const std::string script = readWholeFile(scriptPath);
+    const std::string script = readFile(scriptPath);
     const size_t start = script.find("\nPROG=") + 1;
     return script.substr(start, script.find('\n', start) - start);
 }
@@ -59,11 +59,6 @@ SystemDataEntry measured(std::string id, std::vector<std::string> paths) {
     entry.id = std::move(id);
     entry.paths = std::move(paths);
     return entry;
-}
-
-// A stand-in that returns a fixed output without running anything.
-Privileged::AuthorizationTool answering(Shell::Output output) {
-    return [output](const std::string&, const std::string&, double) { return output; };
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "systemdata/SystemDataAnalyzer.h"
 
 #include "SystemDataTesting.h"
-#include "support/PathQueries.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -35,20 +34,14 @@ TEST(SystemDataPerform, AdminActionGoesThroughAuthorization) {
     sharedHome();
     const SystemDataEntry::Action action{"Delete sleepimage", "echo gone; echo 'not here' >&2; exit 5", true,
                                          Risk::caution, "Sure?"};
-    std::string script, prompt;
-    double timeout = 0;
     {
-        ScopedAuthorizationTool tool([&](const std::string& path, const std::string& p, double t) {
-            script = readWholeFile(path);
-            prompt = p;
-            timeout = t;
-            return Shell::Output{1, "", "execution error: User canceled. (-128)"};
-        });
+        AuthorizationToolRecorder recorder{answering({1, "", "execution error: User canceled. (-128)"})};
         EXPECT_EQ(SystemDataAnalyzer::perform(action), "Authentication was cancelled");
+        ASSERT_EQ(recorder.calls().size(), 1u);
+        EXPECT_EQ(recorder.calls()[0].script, "#!/bin/sh\necho gone; echo 'not here' >&2; exit 5\n");
+        EXPECT_EQ(recorder.calls()[0].prompt, "Veltro needs administrator privileges to: Delete sleepimage");
+        EXPECT_EQ(recorder.calls()[0].timeout, 1800);
     }
-    EXPECT_EQ(script, "#!/bin/sh\necho gone; echo 'not here' >&2; exit 5\n");
-    EXPECT_EQ(prompt, "Veltro needs administrator privileges to: Delete sleepimage");
-    EXPECT_EQ(timeout, 1800);
 
     // Really run: the script's own failure comes back as its error text.
     ScopedAuthorizationTool tool(realScriptRunner());

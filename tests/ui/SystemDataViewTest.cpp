@@ -7,8 +7,7 @@
 #include "WindowFixture.h"
 
 #include "platform/ShellQuote.h"
-#include "removal/Privileged.h"
-#include "removal/Shell.h"
+#include "support/AuthorizationToolStandIn.h"
 #include "support/PathQueries.h"
 #include "ui/Format.h"
 
@@ -22,20 +21,6 @@ namespace {
 const QStringList reducibleIDs{"tm", "vm", "unifiedlogs", "spotlight", "simruntimes"};
 const QStringList managedIDs{"vmdisks",    "folders",    "assets", "dbother",
                              "appsupport", "containers", "mailmsg"};
-
-// Installs an authorisation tool for the object's lifetime, then restores the platform's.
-class AuthorizationToolScope {
-public:
-    explicit AuthorizationToolScope(Privileged::AuthorizationTool tool) {
-        Privileged::setAuthorizationTool(std::move(tool));
-    }
-    ~AuthorizationToolScope() { Privileged::setAuthorizationTool({}); }
-};
-
-// Runs the script as this process, the way the platform's tool does once allowed.
-Shell::Output runScript(const std::string& script, const std::string&, double timeout) {
-    return Shell::run("/bin/sh " + shellQuote(script), timeout);
-}
 
 int linesIn(const std::string& path) {
     std::ifstream file(path);
@@ -127,7 +112,7 @@ TEST_F(SystemData, BeforeAnyAnalysisEverySizeIsUnknown) {
 }
 
 TEST_F(SystemData, AnAnalysisFillsTheSizesAndTheSnapshotCount) {
-    AuthorizationToolScope tool(runScript);
+    ScopedAuthorizationTool tool(runScriptAsCurrentUser);
     home().makeFileOfSize("Library/Mail/V10/inbox.mbox", 200'000);
     showScreen();
 
@@ -175,9 +160,7 @@ TEST_F(SystemData, AnAnalysisFillsTheSizesAndTheSnapshotCount) {
 }
 
 TEST_F(SystemData, ADismissedPasswordDialogLeavesTheScreenUnmeasured) {
-    AuthorizationToolScope tool([](const std::string&, const std::string&, double) {
-        return Shell::Output{1, "", "-128: the dialog was dismissed"};
-    });
+    ScopedAuthorizationTool tool(answering({1, "", "-128: the dialog was dismissed"}));
     showScreen();
     clickOnScreen("analyzeButton");
     ASSERT_TRUE(analysisEnds());
@@ -195,13 +178,12 @@ TEST_F(SystemData, ADismissedPasswordDialogLeavesTheScreenUnmeasured) {
 TEST_F(SystemData, EqualAreasKeepCatalogueOrderInTheCompositionBar) {
     // The tool answers for the script: every area 100 KiB (the databases' figure
     // includes the logs, which are subtracted), and two snapshots.
-    AuthorizationToolScope tool([](const std::string&, const std::string&, double) {
-        return Shell::Output{0,
-                             "vm|100\nunifiedlogs|100\nspotlight|100\nsimruntimes|100\nvmdisks|100\n"
-                             "folders|100\nassets|100\ndbother|200\nappsupport|100\ncontainers|100\n"
-                             "mailmsg|100\ntm|2\n",
-                             ""};
-    });
+    ScopedAuthorizationTool tool(
+        answering({0,
+                   "vm|100\nunifiedlogs|100\nspotlight|100\nsimruntimes|100\nvmdisks|100\n"
+                   "folders|100\nassets|100\ndbother|200\nappsupport|100\ncontainers|100\n"
+                   "mailmsg|100\ntm|2\n",
+                   ""}));
     showScreen();
     clickOnScreen("analyzeButton");
     ASSERT_TRUE(analysisEnds());
