@@ -80,6 +80,18 @@ template <typename Body> auto finishing(Body body) {
     return future.get();
 }
 
+// Cleans four items each its own way: to the Trash, deleted, moved by the
+// administrator batch, and deleted by it.
+CleanResult cleanEachWay(const std::vector<std::string>& items) {
+    return finishing([&] {
+        CleanResult cleaned = Cleaner::clean({pathItem(items[0], RemovalMethod::trash()),
+                                              pathItem(items[1], RemovalMethod::permanent()),
+                                              pathItem(items[2], RemovalMethod::adminTrash())});
+        Cleaner::runPrivileged({{pathItem(items[3], RemovalMethod::permanent()), true}}, cleaned);
+        return cleaned;
+    });
+}
+
 } // namespace
 
 TEST_F(CleanerHostileTest, HostileNamesAreTrashedAndDeletedExactly) {
@@ -161,13 +173,7 @@ TEST_F(CleanerHostileTest, ItemSwappedForALinkLosesOnlyTheLink) {
     const auto before = snapshotOutside(items);
 
     AuthorizationToolRecorder recorder{realScriptRunner()};
-    const CleanResult result = finishing([&] {
-        CleanResult cleaned = Cleaner::clean({pathItem(items[0], RemovalMethod::trash()),
-                                              pathItem(items[1], RemovalMethod::permanent()),
-                                              pathItem(items[2], RemovalMethod::adminTrash())});
-        Cleaner::runPrivileged({{pathItem(items[3], RemovalMethod::permanent()), true}}, cleaned);
-        return cleaned;
-    });
+    const CleanResult result = cleanEachWay(items);
 
     EXPECT_TRUE(everyReasonIsNonEmpty(result));
     EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
@@ -195,13 +201,7 @@ TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
     const auto before = snapshotOutside({home.home() + "/.Trash"});
 
     AuthorizationToolRecorder recorder{realScriptRunner()};
-    const CleanResult result = finishing([&] {
-        CleanResult cleaned = Cleaner::clean({pathItem(items[0], RemovalMethod::trash()),
-                                              pathItem(items[1], RemovalMethod::permanent()),
-                                              pathItem(items[2], RemovalMethod::adminTrash())});
-        Cleaner::runPrivileged({{pathItem(items[3], RemovalMethod::permanent()), true}}, cleaned);
-        return cleaned;
-    });
+    const CleanResult result = cleanEachWay(items);
 
     EXPECT_TRUE(result.succeeded.empty());
     ASSERT_EQ(result.failures.size(), 4u);

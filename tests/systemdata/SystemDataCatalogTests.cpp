@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 const SystemDataEntry& entry(const std::string& id) {
@@ -39,69 +41,25 @@ TEST(SystemDataCatalog, TwelveEntriesInOrderFiveWithActions) {
     EXPECT_EQ(&entries, &SystemDataCatalog::entries());
 }
 
-TEST(SystemDataCatalog, TextsAreExact) {
-    const SystemDataEntry tm{"tm",
-                             "Time Machine local snapshots",
-                             "Local snapshots Time Machine keeps between backups — usually the largest part "
-                             "of System Data, and counted "
-                             "as purgeable space.",
-                             "clock.badge.checkmark",
-                             {},
-                             SystemDataEntry::Action{"Delete All Snapshots",
-                                                     "for d in $(tmutil listlocalsnapshotdates / | grep -E "
-                                                     "'^[0-9]'); do tmutil deletelocalsnapshots \"$d\"; "
-                                                     "done",
-                                                     true, Risk::caution,
-                                                     "Backups on your Time Machine drive stay intact, but "
-                                                     "you can no longer restore from local snapshots."},
-                             std::nullopt};
-    EXPECT_EQ(entry("tm"), tm);
-
-    const SystemDataEntry simruntimes{
-        "simruntimes",
-        "iOS Simulator Runtimes & Devices",
-        "Simulator runtimes (iOS/watchOS/visionOS) and Simulator device data.",
-        "iphone.gen3.radiowaves.left.and.right",
-        {"/Library/Developer/CoreSimulator/Volumes", "/Library/Developer/CoreSimulator/Images",
-         "/Library/Developer/CoreSimulator/Cryptex", "~/Library/Developer/CoreSimulator/Devices"},
-        SystemDataEntry::Action{
-            "Delete Runtimes Unused for 30 Days", "xcrun simctl runtime delete --notUsedSinceDays 30", false,
-            Risk::caution,
-            "Deleted runtimes must be re-downloaded from Xcode → Settings → Platforms if needed."},
-        std::nullopt};
-    EXPECT_EQ(entry("simruntimes"), simruntimes);
-
-    const SystemDataEntry folders{
-        "folders",
-        "System Temp & Caches (/private/var/folders)",
-        "Temporary files and caches of all users and daemons. Your own files older than 3 "
-        "days are cleaned under \"Temporary Files\"; macOS clears the rest on restart.",
-        "folder.badge.gearshape",
-        {"/private/var/folders"},
-        std::nullopt,
-        "Restart your Mac to let macOS clear these"};
-    EXPECT_EQ(entry("folders"), folders);
-
-    const SystemDataEntry vmdisks{
-        "vmdisks",
-        "Docker / OrbStack / Virtual Machines",
-        "VM and container disks — shrink them from inside the app (e.g. docker system prune).",
-        "shippingbox",
-        {"~/Library/Containers/com.docker.docker/Data/vms",
-         "~/Library/Group Containers/HUAQ24HBR6.dev.orbstack", "~/.orbstack",
-         "~/Library/Containers/com.utmapp.UTM", "~/Parallels", "~/.colima", "~/.lima"},
-        std::nullopt,
-        "Manage from within Docker/OrbStack/your VM app to avoid data loss"};
-    EXPECT_EQ(entry("vmdisks"), vmdisks);
-
-    EXPECT_EQ(entry("containers").protectedNote,
-              "App data — removable caches are under \"Sandboxed App Caches\"");
-    EXPECT_EQ(entry("mailmsg").protectedNote,
-              "Manage in System Settings → General → Storage, or in Mail/Messages");
-    EXPECT_EQ(entry("unifiedlogs").action->title, "Erase All Logs (log erase)");
-    EXPECT_EQ(entry("spotlight").detail,
-              "Spotlight's search index (system + ~/Library/Metadata/CoreSpotlight). If "
-              "it's unusually large, rebuilding shrinks it.");
+// What each action runs, and whether it asks for the administrator: the commands that
+// change the system, where a slip would do real harm.
+TEST(SystemDataCatalog, ActionsRunExactlyTheseCommands) {
+    const std::vector<std::tuple<std::string, std::string, bool>> expected = {
+        {"tm",
+         "for d in $(tmutil listlocalsnapshotdates / | grep -E '^[0-9]'); do tmutil deletelocalsnapshots "
+         "\"$d\"; done",
+         true},
+        {"vm", "rm -f /private/var/vm/sleepimage", true},
+        {"unifiedlogs", "log erase --all", true},
+        {"spotlight", "mdutil -E /", true},
+        {"simruntimes", "xcrun simctl runtime delete --notUsedSinceDays 30", false},
+    };
+    for (const auto& [id, shell, admin] : expected) {
+        ASSERT_TRUE(entry(id).action.has_value()) << id;
+        EXPECT_EQ(entry(id).action->shell, shell);
+        EXPECT_EQ(entry(id).action->admin, admin) << id;
+        EXPECT_FALSE(entry(id).action->confirm.empty()) << id;
+    }
 }
 
 TEST(SystemDataCatalog, ExpandedPathsUseTheHomeFolder) {

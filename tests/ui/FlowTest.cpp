@@ -39,7 +39,6 @@ protected:
         collect(window()->contentItem(), name, &found);
         return found;
     }
-    bool visible(const QString& name) { return read(name, "visible").toBool(); }
 };
 
 TEST_F(Flow, ScanTickCleanAndDeleteFromTheTrash) {

@@ -72,19 +72,12 @@ private:
 
 class Sheets : public WindowTest {
 protected:
-    // Ticks the item with the id of this path of the fake home (or a command id).
-    void tick(const std::string& id) {
-        ASSERT_NE(model().findItem(id), nullptr) << "not found by the scan: " << id;
-        model().setSelected(id, true);
-    }
-    std::string idOf(const std::string& relative) { return Paths::canonicalPath(home().path(relative)); }
     int64_t sizeOf(const std::string& id) {
         const ScanItem* item = model().findItem(id);
         return item && item->size ? *item->size : 0;
     }
     bool sheetOpen() { return read("confirmSheet", "opened").toBool(); }
     bool sheetGone() { return !read("confirmSheet", "visible").toBool(); }
-    bool visible(const QString& name) { return read(name, "visible").toBool(); }
 };
 
 TEST_F(Sheets, ConfirmListsEveryRemovalMethodAndCountsAdministratorCommandsTwice) {

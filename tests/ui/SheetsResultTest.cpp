@@ -14,15 +14,8 @@
 #include <filesystem>
 #include <sys/stat.h>
 
-namespace {} // namespace
-
 class SheetsResult : public WindowTest {
 protected:
-    std::string idOf(const std::string& relative) { return Paths::canonicalPath(home().path(relative)); }
-    void tick(const std::string& id) {
-        ASSERT_NE(model().findItem(id), nullptr) << "not found by the scan: " << id;
-        model().setSelected(id, true);
-    }
     // Cleans what is ticked and waits for the result sheet.
     ::testing::AssertionResult cleanToResult() {
         model().clean();
@@ -34,7 +27,6 @@ protected:
             return ::testing::AssertionFailure() << "the result sheet did not open";
         return ::testing::AssertionSuccess();
     }
-    bool visible(const QString& name) { return read(name, "visible").toBool(); }
 };
 
 TEST_F(SheetsResult, ASuccessfulCleanOffersToDeleteWhatWentToTheTrash) {

@@ -39,7 +39,6 @@ protected:
         ASSERT_TRUE(
             UiHarness::waitFor([&] { return window()->findChild<QObject*>("systemDataView") != nullptr; }));
     }
-    bool visible(const QString& name) { return read(name, "visible").toBool(); }
     QString sizeText(const QString& id) { return text("systemSize_" + id); }
     bool actionEnabled(const QString& id) { return read("systemAction_" + id, "enabled").toBool(); }
 

@@ -1,6 +1,7 @@
 #include "WindowFixture.h"
 
 #include "UiHarness.h"
+#include "platform/Paths.h"
 #include "ui/UiServices.h"
 
 #include <QCoreApplication>
@@ -8,8 +9,6 @@
 #include <QTest>
 
 #include <ctime>
-#include <sys/stat.h>
-#include <utime.h>
 
 namespace {
 
@@ -44,12 +43,6 @@ void collectNamed(QObject* object, const QString& name, QSet<QObject*>& seen, QL
             collectNamed(child, name, seen, found);
 }
 
-void makeOld(const std::string& path, int days) {
-    const time_t then = std::time(nullptr) - time_t(days) * 24 * 3600;
-    const utimbuf times{then, then};
-    ASSERT_EQ(::utime(path.c_str(), &times), 0) << path;
-}
-
 } // namespace
 
 void WindowTest::SetUp() {
@@ -62,7 +55,8 @@ void WindowTest::SetUp() {
     home_.makeFileOfSize(".Trash/old-report.pdf", 200'000);
     home_.makeFileOfSize("Library/Saved Application State/com.example.editor.savedState/data.data", 8'000);
     home_.makeFileOfSize(".npm/_cacache/index-v5/aa", 50'000);
-    makeOld(home_.makeFileOfSize("Downloads/installer.zip", 90'000), 200);
+    setModificationTime(home_.makeFileOfSize("Downloads/installer.zip", 90'000),
+                        std::time(nullptr) - 200 * 86400);
 
     model_ = std::make_unique<AppModel>();
     engine_ = std::make_unique<QQmlApplicationEngine>();
@@ -141,4 +135,13 @@ void WindowTest::navigate(const QString& kind, const QString& categoryID) {
     QObject* content = find(QStringLiteral("contentView"));
     ASSERT_NE(content, nullptr);
     QMetaObject::invokeMethod(content, "navigate", Q_ARG(QVariant, kind), Q_ARG(QVariant, categoryID));
+}
+
+std::string WindowTest::idOf(const std::string& relative) {
+    return Paths::canonicalPath(home_.path(relative));
+}
+
+void WindowTest::tick(const std::string& id) {
+    ASSERT_NE(model_->findItem(id), nullptr) << "not found by the scan: " << id;
+    model_->setSelected(id, true);
 }

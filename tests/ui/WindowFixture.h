@@ -35,6 +35,7 @@ protected:
     QQuickItem* item(const QString& name) { return qobject_cast<QQuickItem*>(find(name)); }
     QVariant read(const QString& name, const char* property);
     QString text(const QString& name) { return read(name, "text").toString(); }
+    bool visible(const QString& name) { return read(name, "visible").toBool(); }
 
     // Real pointer events at the centre of `item`.
     void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton);
@@ -43,6 +44,11 @@ protected:
     // Starts a scan and waits until it ends (true) or 30 s pass (false).
     bool scanToEnd();
     bool waitForPhase(AppModel::Phase phase, int timeoutMs = 30000);
+
+    // The id a scan gives the home-relative path (its canonical path).
+    std::string idOf(const std::string& relative);
+    // Ticks the item with this id, failing the test when the scan did not find it.
+    void tick(const std::string& id);
 
     // The key of one found item of `categoryID`, or "".
     QString someItemKey(const QString& categoryID);
