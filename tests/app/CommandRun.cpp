@@ -1,11 +1,11 @@
 #include "CommandRun.h"
 
+#include "support/PathQueries.h"
+
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
-#include <fstream>
 #include <spawn.h>
-#include <sstream>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,13 +13,6 @@
 extern char** environ;
 
 namespace {
-
-std::string readAll(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 std::vector<std::string> childEnvironment(const FakeHome& home) {
     std::vector<std::string> entries;
@@ -75,7 +68,7 @@ CommandRun CommandRun::of(FakeHome& home, const std::vector<std::string>& argume
     run.cpuSeconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
                      static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.out = readAll(outPath);
-    run.err = readAll(errPath);
+    run.out = readFile(outPath);
+    run.err = readFile(errPath);
     return run;
 }

@@ -7,18 +7,14 @@
 #include "CatalogueHome.h"
 #include "platform/Localized.h"
 
+#include "support/TranslatorScope.h"
+
 #include <gtest/gtest.h>
 
 #include <unordered_set>
 #include <vector>
 
 namespace {
-
-// Restores the identity translation however the test ends.
-struct TranslatorGuard {
-    explicit TranslatorGuard(Translator translator) { installTranslator(std::move(translator)); }
-    ~TranslatorGuard() { installTranslator({}); }
-};
 
 ScanItem pathItem(const std::string& path) {
     return ScanItem{path,
@@ -60,7 +56,7 @@ TEST(CategoryGroup, UnknownRawValuesYieldNoGroup) {
 }
 
 TEST(CategoryGroup, TitlesAndRiskLabelsAreLocalised) {
-    TranslatorGuard guard([](std::string_view key) { return "[" + std::string(key) + "]"; });
+    TranslatorScope translator([](std::string_view key) { return "[" + std::string(key) + "]"; });
     EXPECT_EQ(CategoryGroups::title(CategoryGroup::system), "[System \u00B7 admin]");
     EXPECT_EQ(Risks::label(Risk::caution), "[Caution]");
     EXPECT_EQ(Risks::name(Risk::caution), "caution");

@@ -1,6 +1,6 @@
 #include "platform/ByteCount.h"
 
-#include "platform/Localized.h"
+#include "support/TranslatorScope.h"
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ TEST(ByteCount, ByteCountShowsNothingBelowOneByteAsZeroKilobytes) {
 }
 
 TEST(ByteCount, UnitsAndSentencesAreLocalised) {
-    installTranslator([](std::string_view key) -> std::string {
+    TranslatorScope french([](std::string_view key) -> std::string {
         if (key == "MB")
             return "Mo";
         if (key == "%1 bytes")
@@ -47,11 +47,7 @@ TEST(ByteCount, UnitsAndSentencesAreLocalised) {
             return "0 ko";
         return std::string(key);
     });
-    const std::string megabytes = formatFileSize(1'500'000);
-    const std::string bytes = formatFileSize(12);
-    const std::string zero = formatByteCount(0);
-    installTranslator({});
-    EXPECT_EQ(megabytes, "1.5 Mo");
-    EXPECT_EQ(bytes, "12 octets");
-    EXPECT_EQ(zero, "0 ko");
+    EXPECT_EQ(formatFileSize(1'500'000), "1.5 Mo");
+    EXPECT_EQ(formatFileSize(12), "12 octets");
+    EXPECT_EQ(formatByteCount(0), "0 ko");
 }

@@ -1,17 +1,10 @@
 #include "platform/Localized.h"
 
+#include "support/TranslatorScope.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
-
-namespace {
-
-struct TranslatorGuard {
-    explicit TranslatorGuard(Translator translator) { installTranslator(std::move(translator)); }
-    ~TranslatorGuard() { installTranslator({}); }
-};
-
-} // namespace
 
 TEST(Localized, WithoutTranslatorTheKeyComesBack) {
     EXPECT_EQ(localized("Scan"), "Scan");
@@ -33,7 +26,7 @@ TEST(Localized, TheTranslatorSeesTheWholeSentence) {
     std::vector<std::string> asked;
     const std::map<std::string, std::string, std::less<>> german{{"%1 of %2", "%2 \u2014 davon %1"},
                                                                  {"Scan", "Scannen"}};
-    TranslatorGuard guard([&](std::string_view key) {
+    TranslatorScope translator([&](std::string_view key) {
         asked.emplace_back(key);
         const auto found = german.find(key);
         return found == german.end() ? std::string(key) : found->second;

@@ -164,25 +164,6 @@ TEST_F(AdminBatchTest, DeletionsAndCommandsLeaveNoDestinationBehind) {
     EXPECT_EQ(veltroFolders(trash), before);
 }
 
-TEST_F(AdminBatchTest, CarriageReturnAnswersReadLikeLineFeeds) {
-    AuthorizationToolRecorder recorder{answering({0, "OK|i0\rFAIL|i1\r\nOK|i2\r", ""})};
-    CleanResult result;
-    Cleaner::runPrivileged({{pathItem(area + "/one", RemovalMethod::adminTrash(), 5), false},
-                            {pathItem(area + "/two", RemovalMethod::adminTrash(), 7), false},
-                            {pathItem(area + "/three", RemovalMethod::permanent(), 11), true}},
-                           result);
-    ASSERT_EQ(result.succeeded.size(), 2u);
-    EXPECT_EQ(result.succeeded[0].name, "one");
-    EXPECT_EQ(result.succeeded[1].name, "three");
-    ASSERT_EQ(result.failures.size(), 1u);
-    EXPECT_EQ(result.failures[0].item.name, "two");
-    EXPECT_EQ(result.failures[0].reason, sipReason);
-    EXPECT_EQ(result.movedToTrashBytes, 5);
-    EXPECT_EQ(result.deletedBytes, 11);
-    ASSERT_EQ(result.trashedURLs.size(), 1u);
-    EXPECT_TRUE(result.trashedURLs[0].starts_with(home.home() + "/.Trash/Veltro-"));
-}
-
 TEST_F(AdminBatchTest, EveryItemLeftOutStillRunsTheScriptOnce) {
     const std::string documents = home.makeFile("Documents/keep.txt", "keep");
     ScanItem noPath = pathItem(area + "/gone", RemovalMethod::adminTrash());

@@ -2,13 +2,13 @@
 
 #include "platform/Environment.h"
 #include "support/FakeHome.h"
+#include "support/PathQueries.h"
 #include "support/ProcessCounts.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <dirent.h>
 #include <future>
 #include <sys/stat.h>
 #include <thread>
@@ -29,11 +29,6 @@ protected:
 
 } // namespace
 
-TEST(PermissionsText, SettingsLink) {
-    EXPECT_EQ(Permissions::fullDiskAccessSettingsURL(),
-              "x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles");
-}
-
 TEST_F(PermissionsTest, ProbeOrderAndNoFileMeansNoAccess) {
     EXPECT_EQ(Permissions::probePaths(),
               (std::vector<std::string>{"/Library/Application Support/com.apple.TCC/TCC.db",
@@ -44,13 +39,7 @@ TEST_F(PermissionsTest, ProbeOrderAndNoFileMeansNoAccess) {
     EXPECT_FALSE(Permissions::hasFullDiskAccess());
     EXPECT_EQ(openDescriptorCount(), before);
     // The probe creates nothing.
-    DIR* safari = ::opendir(home.path("Library/Safari").c_str());
-    ASSERT_NE(safari, nullptr);
-    int entries = 0;
-    while (const dirent* entry = ::readdir(safari))
-        entries += entry->d_name[0] != '.';
-    ::closedir(safari);
-    EXPECT_EQ(entries, 0);
+    EXPECT_TRUE(entriesOf(home.path("Library/Safari")).empty());
 }
 
 TEST_F(PermissionsTest, UnreadableFileIsSkippedForTheNextOne) {

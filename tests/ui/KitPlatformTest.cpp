@@ -63,8 +63,7 @@ private:
 class FakeGsettings {
 public:
     explicit FakeGsettings(const std::string& script) : previous_(qgetenv("PATH")) {
-        const std::string path = tree_.makeFile("bin/gsettings", "#!/bin/sh\n" + script + "\n");
-        ::chmod(path.c_str(), 0755);
+        tree_.makeScript("bin/gsettings", script);
         qputenv("PATH", QByteArray::fromStdString(tree_.path("bin")) + ':' + previous_);
     }
     ~FakeGsettings() { qputenv("PATH", previous_); }
