@@ -26,23 +26,6 @@ QQuickItem* OverviewTest::shownItem(const QString& name, bool required) {
     return found;
 }
 
-void OverviewTest::clickVisible(QQuickItem* target) {
-    ASSERT_NE(target, nullptr);
-    QQuickItem* page = item(QStringLiteral("overviewPage"));
-    ASSERT_NE(page, nullptr);
-    auto* content = page->property("contentItem").value<QQuickItem*>();
-    ASSERT_NE(content, nullptr);
-    const double top = target->mapToItem(content, QPointF(0, 0)).y();
-    const double maxY = std::max(0.0, page->property("contentHeight").toDouble() - page->height());
-    const double wanted = std::clamp(top - page->height() / 3, 0.0, maxY);
-    page->setProperty("contentY", wanted);
-    QCoreApplication::processEvents();
-    const QPointF centre = target->mapToItem(page, QPointF(target->width() / 2, target->height() / 2));
-    ASSERT_TRUE(centre.y() > 0 && centre.y() < page->height())
-        << "cannot scroll " << target->objectName().toStdString() << " into view";
-    click(target);
-}
-
 std::vector<double> OverviewTest::segmentWidths() {
     std::vector<double> widths;
     for (const QVariant& width : read(QStringLiteral("capacity"), "segmentWidths").toList())

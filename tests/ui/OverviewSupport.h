@@ -17,7 +17,7 @@ protected:
     // not through the object tree.
     QQuickItem* shownItem(const QString& name, bool required = true);
     // Scrolls the overview page so that `target` is inside the window, then clicks it.
-    void clickVisible(QQuickItem* target);
+    void clickVisible(QQuickItem* target) { clickInScroller(QStringLiteral("overviewPage"), target); }
     // The capacity bar's four segment widths, left to right.
     std::vector<double> segmentWidths();
     // The delegates named `name` inside `list`, top to bottom, leaving out rows on their

@@ -42,19 +42,8 @@ protected:
     QString sizeText(const QString& id) { return text("systemSize_" + id); }
     bool actionEnabled(const QString& id) { return read("systemAction_" + id, "enabled").toBool(); }
 
-    // Scrolls the screen so that `target` lies inside it, then clicks it.
     void clickOnScreen(const QString& name) {
-        QQuickItem* target = item(name);
-        ASSERT_NE(target, nullptr);
-        auto* scroller = qobject_cast<QQuickItem*>(find("systemDataScroller"));
-        ASSERT_NE(scroller, nullptr);
-        auto* content = scroller->property("contentItem").value<QQuickItem*>();
-        const qreal y = target->mapToItem(content, QPointF(0, 0)).y();
-        const qreal limit =
-            std::max<qreal>(0, scroller->property("contentHeight").toReal() - scroller->height());
-        scroller->setProperty("contentY", std::clamp<qreal>(y - 60, 0, limit));
-        UiHarness::spin(20);
-        click(target);
+        clickInScroller(QStringLiteral("systemDataScroller"), item(name));
     }
     bool analysisEnds() {
         return UiHarness::waitFor([&] { return !model().systemAnalyzing(); }, 60000);

@@ -8,6 +8,7 @@
 #include <QSet>
 #include <QTest>
 
+#include <algorithm>
 #include <ctime>
 
 namespace {
@@ -107,6 +108,22 @@ void WindowTest::click(QQuickItem* target, Qt::MouseButton button) {
     ASSERT_NE(target, nullptr);
     const QPointF centre = target->mapToScene(QPointF(target->width() / 2, target->height() / 2));
     QTest::mouseClick(window_, button, Qt::NoModifier, centre.toPoint());
+}
+
+void WindowTest::clickInScroller(const QString& scrollerName, QQuickItem* target) {
+    ASSERT_NE(target, nullptr);
+    QQuickItem* scroller = item(scrollerName);
+    ASSERT_NE(scroller, nullptr);
+    auto* content = scroller->property("contentItem").value<QQuickItem*>();
+    ASSERT_NE(content, nullptr);
+    const double top = target->mapToItem(content, QPointF(0, 0)).y();
+    const double limit = std::max(0.0, scroller->property("contentHeight").toDouble() - scroller->height());
+    scroller->setProperty("contentY", std::clamp(top - scroller->height() / 3, 0.0, limit));
+    UiHarness::spin(20);
+    const QPointF centre = target->mapToItem(scroller, QPointF(target->width() / 2, target->height() / 2));
+    ASSERT_TRUE(centre.y() > 0 && centre.y() < scroller->height())
+        << "cannot scroll " << target->objectName().toStdString() << " into view";
+    click(target);
 }
 
 void WindowTest::key(int keyCode, Qt::KeyboardModifiers modifiers) {

@@ -39,6 +39,9 @@ protected:
 
     // Real pointer events at the centre of `item`.
     void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton);
+    // Scrolls the flickable named `scroller` until `target` lies well inside it, then
+    // clicks it; a test failure when it cannot be brought into view.
+    void clickInScroller(const QString& scroller, QQuickItem* target);
     void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
     // Starts a scan and waits until it ends (true) or 30 s pass (false).
