@@ -4,6 +4,7 @@
 #include "platform/MountIdentity.h"
 #include "platform/SafeFs.h"
 #include "platform/SafeFsInternals.h"
+#include "platform/Text.h"
 
 #include <cerrno>
 #include <climits>
@@ -22,40 +23,10 @@ constexpr size_t kMaxNameBytes = NAME_MAX;
 
 // The longest prefix of `name` of at most `limit` bytes that does not end inside a
 // well-formed UTF-8 sequence; bytes that are not UTF-8 are cut anywhere.
-std::string cutAtCharacterBoundary(const std::string& name, size_t limit) {
-    if (name.size() <= limit)
-        return name;
-    auto byte = [&](size_t i) { return static_cast<unsigned char>(name[i]); };
-    auto isContinuation = [&](size_t i) { return (byte(i) & 0xC0) == 0x80; };
-    for (size_t back = 1; back <= 3 && back <= limit; ++back) {
-        const size_t start = limit - back;
-        const unsigned char lead = byte(start);
-        size_t length = 0;
-        if (lead >= 0xC2 && lead <= 0xDF)
-            length = 2;
-        else if (lead >= 0xE0 && lead <= 0xEF)
-            length = 3;
-        else if (lead >= 0xF0 && lead <= 0xF4)
-            length = 4;
-        if (length == 0) {
-            if (isContinuation(start))
-                continue;
-            break; // an ASCII byte or an invalid lead: the cut splits nothing
-        }
-        if (start + length <= limit)
-            break; // the sequence ends before the cut
-        bool wellFormed = start + length <= name.size();
-        for (size_t i = start + 1; wellFormed && i < start + length; ++i)
-            wellFormed = isContinuation(i);
-        return name.substr(0, wellFormed ? start : limit);
-    }
-    return name.substr(0, limit);
-}
-
 std::string candidate(const std::string& name, unsigned number) {
     const std::string suffix = number == 0 ? std::string() : " " + std::to_string(number);
     const size_t room = kMaxNameBytes > suffix.size() ? kMaxNameBytes - suffix.size() : 0;
-    return cutAtCharacterBoundary(name, room) + suffix;
+    return Text::prefixWithinBytes(name, room) + suffix;
 }
 
 bool isTaken(int folderFd, const std::string& name) {

@@ -2,6 +2,7 @@
 
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
+#include "platform/Text.h"
 
 #include <cstdio>
 #include <ctime>
@@ -24,33 +25,6 @@ constexpr const char* helpers =
     "\"FAIL|$2\"; fi; }\n"
     "run_cmd() { if /bin/sh -c \"$1\" >/dev/null 2>&1; then echo \"OK|$2\"; else echo "
     "\"FAIL|$2\"; fi; }\n";
-
-// Length of the line break starting at `at`, or 0: LF, CR, CRLF, U+2028, U+2029.
-size_t lineBreakLength(std::string_view text, size_t at) {
-    const char c = text[at];
-    if (c == '\n')
-        return 1;
-    if (c == '\r')
-        return at + 1 < text.size() && text[at + 1] == '\n' ? 2 : 1;
-    if (c == '\xE2' && at + 2 < text.size() && text[at + 1] == '\x80' &&
-        (text[at + 2] == '\xA8' || text[at + 2] == '\xA9'))
-        return 3;
-    return 0;
-}
-
-void readAnswerLine(std::string_view line, std::map<std::string, bool>& answers) {
-    if (line.empty())
-        return;
-    const size_t bar = line.find('|');
-    if (bar == std::string_view::npos)
-        return;
-    const std::string_view status = line.substr(0, bar);
-    const std::string_view key = line.substr(bar + 1);
-    // Empty pieces do not count, so "OK|" or "|i0" is one piece and says nothing.
-    if (status.empty() || key.empty())
-        return;
-    answers[std::string(key)] = status == "OK";
-}
 
 } // namespace
 
@@ -104,18 +78,9 @@ std::string build(const std::string& dest, const std::vector<Cleaner::Privileged
 
 std::map<std::string, bool> parseAnswers(std::string_view output) {
     std::map<std::string, bool> answers;
-    size_t start = 0;
-    size_t at = 0;
-    while (at < output.size()) {
-        if (const size_t length = lineBreakLength(output, at)) {
-            readAnswerLine(output.substr(start, at - start), answers);
-            at += length;
-            start = at;
-        } else {
-            ++at;
-        }
-    }
-    readAnswerLine(output.substr(start), answers);
+    for (std::string_view line : Text::lines(output))
+        if (const auto pieces = Text::splitAtFirstBar(line))
+            answers[std::string(pieces->second)] = pieces->first == "OK";
     return answers;
 }
 

@@ -6,11 +6,11 @@
 #include "platform/Localized.h"
 #include "platform/Paths.h"
 #include "platform/SafeFs.h"
+#include "platform/Text.h"
 #include "platform/Trash.h"
 #include "removal/AdminBatchScript.h"
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
-#include "removal/TextCut.h"
 #include "scanning/DiskInfo.h"
 
 #include <algorithm>
@@ -64,7 +64,7 @@ bool hasUnsafeParentChain(const std::string& standardized) {
 }
 
 std::string commandFailureReason(const Shell::Output& output) {
-    std::string reason = TextCut::prefix(TextCut::trimmed(output.standardError), commandReasonLength);
+    std::string reason = Text::prefix(Text::trimmed(output.standardError), commandReasonLength);
     if (reason.empty())
         reason = "exit " + std::to_string(output.status);
     return reason;
@@ -201,7 +201,7 @@ void runPrivileged(const std::vector<PrivilegedWork>& work, CleanResult& result)
             output.standardError.find("-128") != std::string::npos
                 ? localized("Administrator authentication was cancelled")
                 : localizedFormat("Could not run with administrator privileges: %1",
-                                  {TextCut::prefix(output.standardError, toolMessageLength)});
+                                  {Text::prefix(output.standardError, toolMessageLength)});
         for (const PrivilegedWork& pair : work)
             result.recordFailure(pair.item, reason);
         return;

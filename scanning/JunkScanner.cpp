@@ -8,6 +8,7 @@
 #include "platform/Localized.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
+#include "platform/Text.h"
 #include "removal/Shell.h"
 #include "scanning/Measurement.h"
 #include "scanning/PathGlob.h"
@@ -47,15 +48,6 @@ bool listFolder(const std::string& path, std::vector<std::string>& names) {
     }
     ::closedir(dir);
     return true;
-}
-
-std::string trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    const size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
-    const size_t last = text.find_last_not_of(blanks);
-    return std::string(text.substr(first, last - first + 1));
 }
 
 std::string replacingAll(std::string text, std::string_view placeholder, std::string_view value) {
@@ -130,7 +122,7 @@ private:
         if (source.note)
             note = localized(*source.note);
         if (source.probe) {
-            const std::string value = trimmed(Shell::run(*source.probe, 30).standardOutput);
+            const std::string value = Text::trimmed(Shell::run(*source.probe, 30).standardOutput);
             if (value.empty() || value == "0")
                 return;
             note = note ? replacingAll(std::move(*note), "{value}", value) : value;

@@ -3,6 +3,7 @@
 #include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/ShellQuote.h"
+#include "platform/Text.h"
 #include "platform/Uuid.h"
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
@@ -29,66 +30,6 @@ constexpr auto pollInterval = std::chrono::milliseconds(150);
 constexpr size_t analysisMessageLength = 200;
 constexpr size_t actionMessageLength = 300;
 constexpr int64_t kibibyte = 1024;
-
-bool isContinuationByte(char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
-
-// The first `count` code points of UTF-8 text, never ending inside a sequence.
-std::string prefixOfCodePoints(std::string_view text, size_t count) {
-    size_t seen = 0;
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (isContinuationByte(text[i]))
-            continue;
-        if (seen == count)
-            return std::string(text.substr(0, i));
-        ++seen;
-    }
-    return std::string(text);
-}
-
-// Decodes the code point starting at `i` (well-formed UTF-8 assumed: the shell
-// runner already replaced invalid bytes); sets `length` to its byte count.
-char32_t codePointAt(std::string_view text, size_t i, size_t& length) {
-    const auto lead = static_cast<unsigned char>(text[i]);
-    length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    if (i + length > text.size()) {
-        length = 1;
-        return lead;
-    }
-    char32_t value = length == 1 ? lead : length == 2 ? lead & 0x1F : length == 3 ? lead & 0x0F : lead & 0x07;
-    for (size_t k = 1; k < length; ++k)
-        value = (value << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
-    return value;
-}
-
-// Unicode White_Space, which covers both white space and line breaks.
-bool isWhiteSpace(char32_t c) {
-    return (c >= 0x09 && c <= 0x0D) || c == 0x20 || c == 0x85 || c == 0xA0 || c == 0x1680 ||
-           (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||
-           c == 0x3000;
-}
-
-std::string trimmingWhiteSpace(std::string_view text) {
-    size_t begin = 0;
-    while (begin < text.size()) {
-        size_t length = 0;
-        if (!isWhiteSpace(codePointAt(text, begin, length)))
-            break;
-        begin += length;
-    }
-    size_t end = text.size();
-    while (end > begin) {
-        size_t start = end - 1;
-        while (start > begin && isContinuationByte(text[start]))
-            --start;
-        size_t length = 0;
-        if (!isWhiteSpace(codePointAt(text, start, length)))
-            break;
-        end = start;
-    }
-    return std::string(text.substr(begin, end - begin));
-}
 
 std::string_view trimmingSpacesAndTabs(std::string_view text) {
     const size_t begin = text.find_first_not_of(" \t");
@@ -226,38 +167,11 @@ bool wasCancelled(const Shell::Output& output) {
 namespace SystemDataAnalyzer {
 
 std::vector<std::pair<std::string, int64_t>> parse(std::string_view text) {
-    static constexpr std::string_view lineSeparator = "\u2028";
-    static constexpr std::string_view paragraphSeparator = "\u2029";
-
     std::vector<std::pair<std::string, int64_t>> pairs;
-    const auto acceptLine = [&pairs](std::string_view line) {
-        const size_t bar = line.find('|');
-        if (bar == std::string_view::npos || bar == 0 || bar + 1 == line.size())
-            return;
-        if (const std::optional<int64_t> number = wholeNumber(trimmingSpacesAndTabs(line.substr(bar + 1))))
-            pairs.emplace_back(std::string(line.substr(0, bar)), *number);
-    };
-
-    size_t start = 0;
-    size_t i = 0;
-    while (i < text.size()) {
-        size_t separatorLength = 0;
-        if (text[i] == '\n' || text[i] == '\r')
-            separatorLength = 1;
-        else if (text.substr(i, 3) == lineSeparator || text.substr(i, 3) == paragraphSeparator)
-            separatorLength = 3;
-        if (separatorLength == 0) {
-            ++i;
-            continue;
-        }
-        // An empty line, including the gap of a CR LF pair, gives nothing.
-        if (i > start)
-            acceptLine(text.substr(start, i - start));
-        i += separatorLength;
-        start = i;
-    }
-    if (start < text.size())
-        acceptLine(text.substr(start));
+    for (std::string_view line : Text::lines(text))
+        if (const auto pieces = Text::splitAtFirstBar(line))
+            if (const std::optional<int64_t> number = wholeNumber(trimmingSpacesAndTabs(pieces->second)))
+                pairs.emplace_back(std::string(pieces->first), *number);
     return pairs;
 }
 
@@ -315,9 +229,8 @@ Analysis analyze(const std::vector<SystemDataEntry>& entries, const EntryCallbac
     if (output.status != 0) {
         if (wasCancelled(output))
             return {std::nullopt, localized("Authentication was cancelled")};
-        return {std::nullopt,
-                localizedFormat("Analysis failed: %1",
-                                {prefixOfCodePoints(output.standardError, analysisMessageLength)})};
+        return {std::nullopt, localizedFormat("Analysis failed: %1",
+                                              {Text::prefix(output.standardError, analysisMessageLength)})};
     }
     return {reportFrom(output.standardOutput), std::nullopt};
 }
@@ -333,8 +246,8 @@ std::optional<std::string> perform(const SystemDataEntry::Action& action) {
         return std::nullopt;
     if (wasCancelled(output))
         return localized("Authentication was cancelled");
-    if (const std::string reason = trimmingWhiteSpace(output.standardError); !reason.empty())
-        return prefixOfCodePoints(reason, actionMessageLength);
+    if (const std::string reason = Text::trimmed(output.standardError); !reason.empty())
+        return Text::prefix(reason, actionMessageLength);
     return localizedFormat("Failed (exit %1)", {std::to_string(output.status)});
 }
 

@@ -1,8 +1,8 @@
-#include "removal/TextCut.h"
+#include "platform/Text.h"
 
 #include <cstdint>
 
-namespace TextCut {
+namespace Text {
 
 namespace {
 
@@ -80,4 +80,50 @@ std::string prefix(std::string_view text, size_t count) {
     return std::string(text.substr(0, at));
 }
 
-} // namespace TextCut
+std::string prefixWithinBytes(std::string_view text, size_t limit) {
+    size_t at = 0;
+    while (at < text.size()) {
+        const size_t length = characterLength(text, at);
+        if (at + length > limit)
+            break;
+        at += length;
+    }
+    return std::string(text.substr(0, at));
+}
+
+std::vector<std::string_view> lines(std::string_view text) {
+    std::vector<std::string_view> out;
+    size_t start = 0;
+    size_t at = 0;
+    auto breakLength = [&text](size_t i) -> size_t {
+        if (text[i] == '\n')
+            return 1;
+        if (text[i] == '\r')
+            return i + 1 < text.size() && text[i + 1] == '\n' ? 2 : 1;
+        if (text.substr(i, 3) == "\u2028" || text.substr(i, 3) == "\u2029")
+            return 3;
+        return 0;
+    };
+    while (at < text.size()) {
+        if (const size_t length = breakLength(at)) {
+            if (at > start)
+                out.push_back(text.substr(start, at - start));
+            at += length;
+            start = at;
+        } else {
+            ++at;
+        }
+    }
+    if (start < text.size())
+        out.push_back(text.substr(start));
+    return out;
+}
+
+std::optional<std::pair<std::string_view, std::string_view>> splitAtFirstBar(std::string_view line) {
+    const size_t bar = line.find('|');
+    if (bar == std::string_view::npos || bar == 0 || bar + 1 == line.size())
+        return std::nullopt;
+    return std::make_pair(line.substr(0, bar), line.substr(bar + 1));
+}
+
+} // namespace Text
