@@ -12,13 +12,6 @@
 
 namespace {
 
-bool isValidUtf8(const std::string& raw) {
-    // Decoding replaces every invalid sequence, so only valid text survives the round
-    // trip. (A stateless decoder does not record errors at all.)
-    const QByteArray bytes(raw.data(), static_cast<qsizetype>(raw.size()));
-    return QString::fromUtf8(bytes).toUtf8() == bytes;
-}
-
 QJsonValue optionalText(const std::optional<std::string>& text) {
     return text ? QJsonValue(ItemKey::displayText(*text)) : QJsonValue(QJsonValue::Null);
 }
@@ -51,7 +44,7 @@ QJsonObject itemJson(const ScanItem& item) {
     object.insert("admin", item.method.admin);
     object.insert("note", optionalText(item.note));
     // JSON text cannot carry bytes that are not UTF-8; keep the exact path alongside.
-    if (item.url && (!isValidUtf8(*item.url) || !isValidUtf8(item.name))) {
+    if (item.url && (!ItemKey::isValidUtf8(*item.url) || !ItemKey::isValidUtf8(item.name))) {
         const QByteArray raw = QByteArray::fromStdString(*item.url);
         object.insert("pathBytes", QString::fromLatin1(raw.toBase64()));
     }

@@ -6,6 +6,7 @@
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
 #include "ui/Platform.h"
+#include "ui/WindowSearch.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -13,7 +14,6 @@
 #include <QImage>
 #include <QMouseEvent>
 #include <QQuickItem>
-#include <QSet>
 #include <QTextStream>
 #include <QTimer>
 
@@ -29,22 +29,6 @@ constexpr int workTimeoutMs = 60000;
 
 // The category pictured with its items, the one whose checked item is cleaned.
 const QString picturedCategory = QStringLiteral("user.caches");
-
-// Repeater delegates have only a visual parent, popups only a QObject one, so the
-// search walks both trees.
-void collectNamed(QObject* object, const QString& name, QSet<QObject*>& seen, QList<QObject*>& found) {
-    if (!object || seen.contains(object))
-        return;
-    seen.insert(object);
-    if (object->objectName() == name)
-        found << object;
-    for (QObject* child : object->children())
-        collectNamed(child, name, seen, found);
-    if (auto* item = qobject_cast<QQuickItem*>(object)) {
-        for (QQuickItem* child : item->childItems())
-            collectNamed(child, name, seen, found);
-    }
-}
 
 void sendMouse(QQuickWindow* window, QEvent::Type type, QPointF at, Qt::MouseButtons buttons) {
     QMouseEvent event(type, at, window->mapToGlobal(at), Qt::LeftButton, buttons, Qt::NoModifier);
@@ -292,13 +276,7 @@ void ScreenshotTour::shoot(const QString& name, std::function<void()> next) {
 }
 
 QList<QObject*> ScreenshotTour::named(const QString& name) const {
-    QSet<QObject*> seen;
-    QList<QObject*> found;
-    if (window_) {
-        collectNamed(window_, name, seen, found);
-        collectNamed(window_->contentItem(), name, seen, found);
-    }
-    return found;
+    return WindowSearch::allNamed(window_, name);
 }
 
 QQuickItem* ScreenshotTour::item(const QString& name) const {

@@ -1,21 +1,20 @@
 #include "model/ItemKey.h"
 
 #include <QByteArray>
-#include <QStringDecoder>
 
 namespace {
 
 constexpr QChar marker(0x0001);
 
-bool isValidUtf8(const std::string& raw) {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString decoded = decoder.decode(QByteArrayView(raw.data(), static_cast<qsizetype>(raw.size())));
-    return !decoder.hasError() && decoded.toUtf8() == QByteArray(raw.data(), static_cast<qsizetype>(raw.size()));
-}
-
 } // namespace
 
 namespace ItemKey {
+
+bool isValidUtf8(const std::string& raw) {
+    // Decoding replaces every invalid sequence, so only valid text survives the trip.
+    const QByteArray bytes(raw.data(), static_cast<qsizetype>(raw.size()));
+    return QString::fromUtf8(bytes).toUtf8() == bytes;
+}
 
 QString fromID(const std::string& id) {
     if (isValidUtf8(id) && (id.empty() || id[0] != '\x01'))
@@ -32,6 +31,8 @@ std::string toID(const QString& key) {
     return key.toStdString();
 }
 
-QString displayText(const std::string& raw) { return QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size())); }
+QString displayText(const std::string& raw) {
+    return QString::fromUtf8(raw.data(), static_cast<qsizetype>(raw.size()));
+}
 
 } // namespace ItemKey

@@ -12,6 +12,9 @@ namespace ItemKey {
 QString fromID(const std::string& id);
 std::string toID(const QString& key);
 
+// True when the bytes are well-formed UTF-8.
+bool isValidUtf8(const std::string& raw);
+
 // Text for showing a raw path or name: invalid bytes become U+FFFD.
 QString displayText(const std::string& raw);
 

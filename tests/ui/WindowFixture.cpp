@@ -3,48 +3,15 @@
 #include "UiHarness.h"
 #include "platform/Paths.h"
 #include "ui/UiServices.h"
+#include "ui/WindowSearch.h"
 
 #include <QCoreApplication>
-#include <QSet>
 #include <QTest>
 
 #include <algorithm>
 #include <ctime>
 
-namespace {
-
-// Delegates made by a Repeater have no QObject parent, only a visual one, so the
-// search walks both trees.
-QObject* findNamed(QObject* object, const QString& name, QSet<QObject*>& seen) {
-    if (!object || seen.contains(object))
-        return nullptr;
-    seen.insert(object);
-    if (object->objectName() == name)
-        return object;
-    for (QObject* child : object->children())
-        if (QObject* found = findNamed(child, name, seen))
-            return found;
-    if (auto* item = qobject_cast<QQuickItem*>(object))
-        for (QQuickItem* child : item->childItems())
-            if (QObject* found = findNamed(child, name, seen))
-                return found;
-    return nullptr;
-}
-
-void collectNamed(QObject* object, const QString& name, QSet<QObject*>& seen, QList<QObject*>& found) {
-    if (!object || seen.contains(object))
-        return;
-    seen.insert(object);
-    if (object->objectName() == name)
-        found << object;
-    for (QObject* child : object->children())
-        collectNamed(child, name, seen, found);
-    if (auto* item = qobject_cast<QQuickItem*>(object))
-        for (QQuickItem* child : item->childItems())
-            collectNamed(child, name, seen, found);
-}
-
-} // namespace
+namespace {} // namespace
 
 void WindowTest::SetUp() {
     UiHarness::takeMessages();
@@ -82,21 +49,13 @@ void WindowTest::TearDown() {
 }
 
 QObject* WindowTest::find(const QString& name) {
-    QSet<QObject*> seen;
-    QObject* found = findNamed(window_, name, seen);
-    if (!found && window_)
-        found = findNamed(window_->contentItem(), name, seen);
+    QObject* found = WindowSearch::firstNamed(window_, name);
     EXPECT_NE(found, nullptr) << "no object named " << name.toStdString();
     return found;
 }
 
 QList<QObject*> WindowTest::findAll(const QString& name) {
-    QSet<QObject*> seen;
-    QList<QObject*> found;
-    collectNamed(window_, name, seen, found);
-    if (window_)
-        collectNamed(window_->contentItem(), name, seen, found);
-    return found;
+    return WindowSearch::allNamed(window_, name);
 }
 
 QVariant WindowTest::read(const QString& name, const char* property) {
