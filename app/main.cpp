@@ -2,7 +2,7 @@
 // the window uses; without one it opens the window.
 
 #include "app/CleanCommand.h"
-#include "app/GuiApp.h"
+#include "app/KorvaneApp.h"
 #include "app/ScanCommand.h"
 #include "platform/Localized.h"
 
@@ -58,5 +58,5 @@ int runHeadless(int argc, char* argv[]) {
 int main(int argc, char* argv[]) {
     // First, before anything reads a catalogue text.
     routeTextsThroughQt();
-    return GuiApp::wanted(argc, argv) ? GuiApp::run(argc, argv) : runHeadless(argc, argv);
+    return KorvaneApp::wanted(argc, argv) ? KorvaneApp::run(argc, argv) : runHeadless(argc, argv);
 }

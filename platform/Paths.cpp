@@ -90,7 +90,7 @@ std::string standardizedPath(std::string_view path) {
         out.append(parts[i]);
     }
     if (out.empty() && !absolute)
-        out = ".";
+        out.push_back('.');
     return out;
 }
 
@@ -116,8 +116,12 @@ std::string abbreviatingHome(std::string_view path) {
         return std::string(path);
     if (path == home)
         return "~";
-    if (path.size() > home.size() && path.starts_with(home) && path[home.size()] == '/')
-        return "~" + std::string(path.substr(home.size()));
+    if (path.size() > home.size() && path.starts_with(home) && path[home.size()] == '/') {
+        // Built by appending: GCC 12 at -O3 warns (-Wrestrict) on the operator+ form.
+        std::string abbreviated(1, '~');
+        abbreviated.append(path.substr(home.size()));
+        return abbreviated;
+    }
     return std::string(path);
 }
 

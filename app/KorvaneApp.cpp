@@ -1,4 +1,4 @@
-#include "app/GuiApp.h"
+#include "app/KorvaneApp.h"
 
 #include "app/ScreenshotTour.h"
 #include "model/AppModel.h"
@@ -27,11 +27,11 @@ constexpr std::string_view screenshotOption = "--screenshot-dir";
 
 } // namespace
 
-bool GuiApp::wanted(int argc, char* argv[]) {
+bool KorvaneApp::wanted(int argc, char* argv[]) {
     return argc <= 1 || argv[1] == screenshotOption;
 }
 
-int GuiApp::run(int argc, char* argv[]) {
+int KorvaneApp::run(int argc, char* argv[]) {
     QString screenshotDir;
     for (int i = 1; i < argc; ++i) {
         if (argv[i] == screenshotOption && i + 1 < argc) {

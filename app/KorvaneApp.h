@@ -1,7 +1,9 @@
 #pragma once
-// The windowed application: one QGuiApplication, the shared model, and the QML window.
+// The application entry: one QGuiApplication, the one shared model for the life of the
+// process, and the main window. It sits beside main() rather than with the model because
+// it loads the QML views, which are built on the model.
 
-namespace GuiApp {
+namespace KorvaneApp {
 
 // True when the command line asks for the window rather than a headless command: no
 // arguments, or only the window's own options.
@@ -12,4 +14,4 @@ bool wanted(int argc, char* argv[]);
 // during and after the scan into DIR, then closes the window.
 int run(int argc, char* argv[]);
 
-} // namespace GuiApp
+} // namespace KorvaneApp
