@@ -2,6 +2,10 @@
 
 #include <QStringList>
 
+#include <string>
+#include <vector>
+
 // `veltro clean (--recommended | --category ID ... | --item PATH ...) [--large-threshold-gb X]
 //  [--add-root DIR]... [--dry-run] [--yes] [--json] [--purge]`
-int runCleanCommand(const QStringList& arguments);
+// `rawItems`: the --item values as the exact bytes of the command line.
+int runCleanCommand(const QStringList& arguments, const std::vector<std::string>& rawItems);

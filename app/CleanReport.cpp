@@ -10,13 +10,15 @@
 
 namespace {
 
-QString q(const std::string& text) { return QString::fromStdString(text); }
+QString q(const std::string& text) {
+    return QString::fromStdString(text);
+}
 
 QString rowText(const std::string& title, const std::vector<ScanItem>& items) {
     return QStringLiteral("  %1  %2")
         .arg(q(title).leftJustified(46, u' '))
         .arg(q(localizedFormat("%1 items · %2", {std::to_string(items.size()),
-                                                  formatByteCount(ScanResults::totalSize(items))})));
+                                                 formatByteCount(ScanResults::totalSize(items))})));
 }
 
 QJsonArray itemsJson(const std::vector<ScanItem>& items) {
@@ -45,7 +47,7 @@ QString summary(const AppModel& model) {
     if (!plan.commands.empty()) {
         QStringList names;
         for (const ScanItem& item : plan.commands)
-            names << ItemKey::displayText(item.name);
+            names << ScanReport::shownText(item.name);
         s << "  " << q(localized("Run commands: ")) << names.join(QStringLiteral(", ")) << "\n";
     }
     if (!plan.needsAdmin.empty())
@@ -76,19 +78,22 @@ QString result(const AppModel& model) {
     s << q(localizedFormat("%1 moved to Trash · %2 deleted",
                            {formatByteCount(r->movedToTrashBytes), formatByteCount(r->deletedBytes)}))
       << "\n";
-    s << q(localizedFormat("Now %1 available (+%2)",
-                           {formatByteCount(model.diskAvailable()), formatByteCount(r->freeAfter - r->freeBefore)}))
+    s << q(localizedFormat("Now %1 available (+%2)", {formatByteCount(model.diskAvailable()),
+                                                      formatByteCount(r->freeAfter - r->freeBefore)}))
       << "\n";
     if (!r->failures.empty()) {
-        s << "\n" << q(localizedFormat("%1 Items Could Not Be Cleaned", {std::to_string(r->failures.size())})) << "\n";
+        s << "\n"
+          << q(localizedFormat("%1 Items Could Not Be Cleaned", {std::to_string(r->failures.size())}))
+          << "\n";
         for (const CleanFailure& failure : r->failures) {
             const std::string& where = failure.item.url ? *failure.item.url : failure.item.location();
-            s << "  " << ItemKey::displayText(failure.item.name) << "\n"
-              << "    " << q(failure.reason) << "\n"
-              << "    " << ItemKey::displayText(where) << "\n";
+            s << "  " << ScanReport::shownText(failure.item.name) << "\n"
+              << "    " << ScanReport::shownText(failure.reason) << "\n"
+              << "    " << ScanReport::shownText(where) << "\n";
         }
         if (!model.hasFullDiskAccess())
-            s << q(localized("Some items may have failed because Full Disk Access hasn't been granted.")) << "\n";
+            s << q(localized("Some items may have failed because Full Disk Access hasn't been granted."))
+              << "\n";
     }
     return out;
 }
@@ -119,8 +124,11 @@ QJsonObject resultJson(const AppModel& model) {
         failures.append(entry);
     }
     QJsonArray trashed;
-    for (const std::string& path : r->trashedURLs)
-        trashed.append(ItemKey::displayText(path));
+    for (const std::string& path : r->trashedURLs) {
+        QJsonObject entry;
+        ScanReport::insertPath(entry, path);
+        trashed.append(entry);
+    }
     QJsonObject out{
         {"succeeded", itemsJson(r->succeeded)},
         {"failures", failures},

@@ -16,6 +16,8 @@ QString summary(const AppModel& model);
 QString result(const AppModel& model);
 
 QJsonObject summaryJson(const AppModel& model);
+// {"succeeded", "failures" (items with a "reason"), "trashed" ([{"path", "pathBytes"
+// when not UTF-8}]: where the moved items now lie), byte counts, "purgeMessage"}.
 QJsonObject resultJson(const AppModel& model);
 
 } // namespace CleanReport

@@ -4,6 +4,7 @@
 #include "platform/ByteCount.h"
 #include "platform/Localized.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 
 #include <QJsonArray>
 #include <QTextStream>
@@ -30,9 +31,12 @@ namespace ScanReport {
 
 QJsonObject itemJson(const ScanItem& item) {
     QJsonObject object;
-    object.insert("id", ItemKey::displayText(item.id));
+    object.insert("id", ItemKey::fromID(item.id));
     object.insert("name", ItemKey::displayText(item.name));
-    object.insert("path", optionalText(item.url));
+    if (item.url)
+        insertPath(object, *item.url);
+    else
+        object.insert("path", QJsonValue(QJsonValue::Null));
     object.insert("size",
                   item.size ? QJsonValue(static_cast<qint64>(*item.size)) : QJsonValue(QJsonValue::Null));
     object.insert("modified", item.modified
@@ -43,11 +47,6 @@ QJsonObject itemJson(const ScanItem& item) {
                                                      : QJsonValue(QJsonValue::Null));
     object.insert("admin", item.method.admin);
     object.insert("note", optionalText(item.note));
-    // JSON text cannot carry bytes that are not UTF-8; keep the exact path alongside.
-    if (item.url && (!ItemKey::isValidUtf8(*item.url) || !ItemKey::isValidUtf8(item.name))) {
-        const QByteArray raw = QByteArray::fromStdString(*item.url);
-        object.insert("pathBytes", QString::fromLatin1(raw.toBase64()));
-    }
     return object;
 }
 
@@ -108,8 +107,7 @@ QString text(const AppModel& model, int largestCount) {
         stream << "\n" << QString::fromStdString(localized("Largest Items")) << "\n";
         for (const ScanItem& item : largest) {
             const QString size = item.size ? sizeText(*item.size) : QStringLiteral("—");
-            const QString where =
-                ItemKey::displayText(item.url ? Paths::abbreviatingHome(*item.url) : item.location());
+            const QString where = shownText(item.url ? Paths::abbreviatingHome(*item.url) : item.location());
             const auto category = model.category(QString::fromStdString(item.categoryID));
             stream << "  " << size.rightJustified(10) << "  " << where;
             if (category)
@@ -118,6 +116,17 @@ QString text(const AppModel& model, int largestCount) {
         }
     }
     return out;
+}
+
+QString shownText(const std::string& raw) {
+    return QString::fromStdString(Text::escapedForTerminal(raw));
+}
+
+// JSON text cannot carry bytes that are not UTF-8; the exact path goes alongside.
+void insertPath(QJsonObject& object, const std::string& path) {
+    object.insert("path", ItemKey::displayText(path));
+    if (!ItemKey::isValidUtf8(path))
+        object.insert("pathBytes", QString::fromLatin1(QByteArray::fromStdString(path).toBase64()));
 }
 
 } // namespace ScanReport

@@ -3,6 +3,7 @@
 
 #include "app/CleanCommand.h"
 #include "app/KorvaneApp.h"
+#include "app/RawArguments.h"
 #include "app/ScanCommand.h"
 #include "platform/Localized.h"
 
@@ -32,6 +33,7 @@ QString usage() {
 }
 
 int runHeadless(int argc, char* argv[]) {
+    const std::vector<std::string> rawItems = RawArguments::values(argc, argv, "--item");
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Veltro"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELTRO_VERSION));
@@ -40,7 +42,7 @@ int runHeadless(int argc, char* argv[]) {
     if (command == QLatin1String("scan"))
         return runScanCommand(arguments);
     if (command == QLatin1String("clean"))
-        return runCleanCommand(arguments);
+        return runCleanCommand(arguments, rawItems);
     if (command == QLatin1String("--version") || command == QLatin1String("-v")) {
         QTextStream(stdout) << "Veltro " << QCoreApplication::applicationVersion() << '\n';
         return 0;

@@ -126,4 +126,61 @@ std::optional<std::pair<std::string_view, std::string_view>> splitAtFirstBar(std
     return std::make_pair(line.substr(0, bar), line.substr(bar + 1));
 }
 
+std::string escapedForTerminal(std::string_view text) {
+    static constexpr char hex[] = "0123456789abcdef";
+    std::string out;
+    out.reserve(text.size());
+    const auto escapeByte = [&](unsigned char byte) {
+        out += "\\x";
+        out += hex[byte >> 4];
+        out += hex[byte & 0xF];
+    };
+    for (size_t at = 0; at < text.size();) {
+        const size_t length = characterLength(text, at);
+        const auto byte = static_cast<unsigned char>(text[at]);
+        if (length == 1) {
+            switch (byte) {
+            case '\n':
+                out += "\\n";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            case 0x1B:
+                out += "\\e";
+                break;
+            default:
+                if (byte < 0x20 || byte >= 0x7F)
+                    escapeByte(byte);
+                else
+                    out += static_cast<char>(byte);
+            }
+            ++at;
+            continue;
+        }
+        const uint32_t c = codePoint(text, at, length);
+        const bool malformed = (length == 3 && (c < 0x800 || (c >= 0xD800 && c <= 0xDFFF))) ||
+                               (length == 4 && (c < 0x10000 || c > 0x10FFFF));
+        if (malformed) {
+            escapeByte(byte);
+            ++at;
+            continue;
+        }
+        const bool control = (c >= 0x80 && c <= 0x9F) || c == 0x2028 || c == 0x2029 ||
+                             (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+        if (control) {
+            out += "\\u";
+            for (int shift = 12; shift >= 0; shift -= 4)
+                out += hex[(c >> shift) & 0xF];
+        } else {
+            out.append(text.substr(at, length));
+        }
+        at += length;
+    }
+    return out;
+}
+
 } // namespace Text

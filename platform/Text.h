@@ -29,4 +29,10 @@ std::vector<std::string_view> lines(std::string_view text);
 // A line split at its first "|", when both pieces are non-empty.
 std::optional<std::pair<std::string_view, std::string_view>> splitAtFirstBar(std::string_view line);
 
+// `text` made safe to print on a terminal, one line per name: control characters as
+// `\n`, `\t`, `\r`, `\e` or `\xNN` (C1 and the line, paragraph and direction
+// controls as `\uNNNN`), and bytes that are not UTF-8 as `\xNN`, so a file name can
+// neither start a new report line nor send the terminal a sequence.
+std::string escapedForTerminal(std::string_view text);
+
 } // namespace Text
