@@ -35,13 +35,13 @@ set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://veltro.app)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "disk cleaner that shows what it frees")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "disk cleaner that shows what it frees
- Veltro finds space that can be reclaimed (caches, logs, build products,
- package-manager caches, the Trash, temporary files, old downloads, system
- caches, large files), measures what each item really occupies on disk and
- removes what you choose: to the desktop's Trash, permanently, by a tool's own
- clean-up command, or with administrator rights after one polkit prompt.
- A second screen breaks down the system's own storage.")
+# CPack puts the summary first; the text below becomes the long description.
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Veltro finds space that can be reclaimed (caches, logs, build products,
+package-manager caches, the Trash, temporary files, old downloads, system
+caches, large files), measures what each item really occupies on disk and
+removes what you choose: to the desktop's Trash, permanently, by a tool's own
+clean-up command, or with administrator rights after one polkit prompt.
+A second screen breaks down the system's own storage.")
 # Libraries are found by dpkg-shlibdeps; what is loaded at run time is named here:
 # the QML modules of the window and the polkit agent side of administrator work.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
