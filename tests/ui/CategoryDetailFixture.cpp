@@ -3,6 +3,7 @@
 #include "UiHarness.h"
 
 #include <QTest>
+#include <QtQuickTest/quicktest.h>
 
 #include <algorithm>
 #include <ctime>
@@ -40,7 +41,7 @@ std::vector<QQuickItem*> CategoryDetail::rows() {
     if (!list)
         return shown;
     // Let the list lay out what the model just changed.
-    QCoreApplication::processEvents();
+    EXPECT_TRUE(QQuickTest::qWaitForPolish(window()));
     auto* content = list->property("contentItem").value<QQuickItem*>();
     for (QQuickItem* child : content->childItems())
         if (child->objectName() == QLatin1String("itemRow") && child->isVisible())
@@ -70,14 +71,9 @@ QQuickItem* CategoryDetail::part(QQuickItem* parent, const QString& name) {
     return found;
 }
 
-void CategoryDetail::press(QQuickItem* target, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
-    ASSERT_NE(target, nullptr);
-    const QPointF centre = target->mapToScene(QPointF(target->width() / 2, target->height() / 2));
-    QTest::mouseClick(window(), button, modifiers, centre.toPoint());
-}
-
 void CategoryDetail::doubleClick(QQuickItem* target) {
     ASSERT_NE(target, nullptr);
+    ASSERT_TRUE(settled(target));
     const QPoint centre = target->mapToScene(QPointF(target->width() / 2, target->height() / 2)).toPoint();
     QTest::mouseClick(window(), Qt::LeftButton, Qt::NoModifier, centre);
     QTest::mouseDClick(window(), Qt::LeftButton, Qt::NoModifier, centre);
@@ -91,7 +87,7 @@ bool CategoryDetail::openMenuOn(QQuickItem* target) {
         QMetaObject::invokeMethod(menu, "close");
         UiHarness::waitFor([&] { return !menu->property("visible").toBool(); });
     }
-    press(target, Qt::RightButton);
+    click(target, Qt::RightButton);
     return UiHarness::waitFor([&] { return menu->property("opened").toBool(); });
 }
 

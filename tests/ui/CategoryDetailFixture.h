@@ -30,8 +30,6 @@ protected:
     // The named child of `parent`, or null with a test failure.
     QQuickItem* part(QQuickItem* parent, const QString& name);
 
-    void press(QQuickItem* target, Qt::MouseButton button = Qt::LeftButton,
-               Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void doubleClick(QQuickItem* target);
     // Right-clicks `target` and waits for the table's context menu.
     bool openMenuOn(QQuickItem* target);

@@ -205,8 +205,8 @@ TEST_F(CategoryTable, CommonLocationShowsOnceUntilOneItemLiesElsewhere) {
 TEST_F(CategoryTable, HighlightIsNotTheCheckSelectionAndTheMenuActsOnIt) {
     scanPackages();
     // Click, Ctrl-click: two rows highlighted, none checked.
-    press(row(npmCache));
-    press(row(npmLogs), Qt::LeftButton, Qt::ControlModifier);
+    click(row(npmCache));
+    click(row(npmLogs), Qt::LeftButton, Qt::ControlModifier);
     EXPECT_EQ(highlighted(), QStringList({npmLogs, npmCache}));
     EXPECT_TRUE(checked().isEmpty());
 
@@ -225,8 +225,8 @@ TEST_F(CategoryTable, HighlightIsNotTheCheckSelectionAndTheMenuActsOnIt) {
     EXPECT_EQ(highlighted(), QStringList({npmLogs, npmCache}));
 
     // Shift-click extends from the last row clicked; Uncheck clears the range.
-    press(row(gradle));
-    press(row(npmCache), Qt::LeftButton, Qt::ShiftModifier);
+    click(row(gradle));
+    click(row(npmCache), Qt::LeftButton, Qt::ShiftModifier);
     EXPECT_EQ(highlighted(), QStringList({gradle, npmLogs, npmCache}));
     ASSERT_TRUE(openMenuOn(row(npmLogs)));
     trigger("menuUncheckItems");
@@ -280,11 +280,11 @@ TEST_F(CategoryTable, RevealAndCopyPathSkipWhatHasNoPlaceOnDisk) {
 
     // Return on a highlighted command does nothing; on a folder it reveals it, and so
     // does a double-click.
-    press(row(brew));
+    click(row(brew));
     QTest::keyClick(window(), Qt::Key_Return);
     UiHarness::spin(300);
     EXPECT_EQ(revealed.count(), 0);
-    press(row(npmLogs));
+    click(row(npmLogs));
     QTest::keyClick(window(), Qt::Key_Return);
     ASSERT_TRUE(UiHarness::waitFor([&] { return revealed.count() == 1; }, 5000));
     EXPECT_EQ(revealed.takeFirst().at(0).toString(), homePath(".npm/_logs"));
@@ -303,7 +303,7 @@ TEST_F(CategoryTable, AnotherCategoryClearsFilterAndHighlightButKeepsTheSort) {
     click(item("filterField"));
     type("editor");
     ASSERT_TRUE(shows({"com.example.editor"}));
-    press(row("com.example.editor"));
+    click(row("com.example.editor"));
     ASSERT_EQ(highlighted(), QStringList{"com.example.editor"});
 
     ASSERT_NE(show(QStringLiteral("user.logs")), nullptr);

@@ -1,6 +1,7 @@
 #include "OverviewSupport.h"
 
 #include <QCoreApplication>
+#include <QtQuickTest/quicktest.h>
 
 #include <algorithm>
 
@@ -41,6 +42,8 @@ std::vector<QQuickItem*> OverviewTest::rowsOf(const QString& list, const QString
     auto* content = view->property("contentItem").value<QQuickItem*>();
     if (!content)
         return rows;
+    // Rows are ordered by where the list put them: wait for it to place what changed.
+    EXPECT_TRUE(QQuickTest::qWaitForPolish(window()));
     for (QQuickItem* child : content->childItems())
         if (child->objectName().startsWith(namePrefix) && child->isVisible() && child->opacity() > 0.99)
             rows.push_back(child);

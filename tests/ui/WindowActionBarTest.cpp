@@ -84,8 +84,8 @@ TEST_F(WindowTest, ActionBarShowsWhatCanBeDoneNext) {
     // The Stop button ends a scan.
     model().scan();
     ASSERT_TRUE(UiHarness::waitFor([&] { return item("stopButton")->isVisible(); }));
-    if (model().phase() == AppModel::Phase::scanning) {
-        click(item("stopButton"));
+    if (settled(item("stopButton")) && model().phase() == AppModel::Phase::scanning) {
+        clickNow(item("stopButton"));
         EXPECT_NE(model().phase(), AppModel::Phase::scanning);
     }
     EXPECT_TRUE(UiHarness::waitFor([&] { return !model().hasRunningWork(); }, 30000));

@@ -7,11 +7,10 @@
 
 #include <QCoreApplication>
 #include <QTest>
+#include <QtQuickTest/quicktest.h>
 
 #include <algorithm>
 #include <ctime>
-
-namespace {} // namespace
 
 void WindowTest::SetUp() {
     UiHarness::takeMessages();
@@ -63,10 +62,38 @@ QVariant WindowTest::read(const QString& name, const char* property) {
     return object ? object->property(property) : QVariant();
 }
 
-void WindowTest::click(QQuickItem* target, Qt::MouseButton button) {
+bool WindowTest::settled(QQuickItem* target) {
+    if (!target)
+        return false;
+    // A layout places what just became visible at its next polish, and a moving item is
+    // only where it lands once its animation ends: compare samples a frame apart.
+    QRectF last;
+    int steady = 0;
+    return UiHarness::waitFor(
+        [&] {
+            if (QQuickTest::qIsPolishScheduled(window_)) {
+                steady = 0;
+                return false;
+            }
+            window_->update();
+            const QRectF place = target->mapRectToScene(target->boundingRect());
+            steady = place == last ? steady + 1 : 0;
+            last = place;
+            return steady >= 3;
+        },
+        5000);
+}
+
+void WindowTest::click(QQuickItem* target, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
+    ASSERT_NE(target, nullptr);
+    ASSERT_TRUE(settled(target)) << target->objectName().toStdString() << " keeps moving";
+    clickNow(target, button, modifiers);
+}
+
+void WindowTest::clickNow(QQuickItem* target, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
     ASSERT_NE(target, nullptr);
     const QPointF centre = target->mapToScene(QPointF(target->width() / 2, target->height() / 2));
-    QTest::mouseClick(window_, button, Qt::NoModifier, centre.toPoint());
+    QTest::mouseClick(window_, button, modifiers, centre.toPoint());
 }
 
 void WindowTest::clickInScroller(const QString& scrollerName, QQuickItem* target) {
@@ -78,7 +105,7 @@ void WindowTest::clickInScroller(const QString& scrollerName, QQuickItem* target
     const double top = target->mapToItem(content, QPointF(0, 0)).y();
     const double limit = std::max(0.0, scroller->property("contentHeight").toDouble() - scroller->height());
     scroller->setProperty("contentY", std::clamp(top - scroller->height() / 3, 0.0, limit));
-    UiHarness::spin(20);
+    ASSERT_TRUE(settled(target));
     const QPointF centre = target->mapToItem(scroller, QPointF(target->width() / 2, target->height() / 2));
     ASSERT_TRUE(centre.y() > 0 && centre.y() < scroller->height())
         << "cannot scroll " << target->objectName().toStdString() << " into view";

@@ -37,8 +37,16 @@ protected:
     QString text(const QString& name) { return read(name, "text").toString(); }
     bool visible(const QString& name) { return read(name, "visible").toBool(); }
 
-    // Real pointer events at the centre of `item`.
-    void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton);
+    // Waits until the window has laid out what changed and `item` has stopped moving
+    // (no pending polish, the same place on the screen over a few frames); false when
+    // it keeps moving for 5 s.
+    bool settled(QQuickItem* item);
+    // Real pointer events at the centre of `item`, once it has settled.
+    void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton,
+               Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    // The same at once, for an item just found settled while a scan may end any moment.
+    void clickNow(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton,
+                  Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     // Scrolls the flickable named `scroller` until `target` lies well inside it, then
     // clicks it; a test failure when it cannot be brought into view.
     void clickInScroller(const QString& scroller, QQuickItem* target);
