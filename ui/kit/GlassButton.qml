@@ -11,6 +11,11 @@ Button {
     property bool small: false
     property bool large: false
     property color foreground: Theme.primary
+    // Only the symbol, where room is short (the text stays the button's name).
+    property bool iconOnly: false
+    // The width with its text shown, whether or not it is.
+    readonly property real fullWidth: leftPadding + rightPadding + label.implicitWidth
+                                      + (symbol !== "" ? glyph.implicitWidth + 6 : 0)
 
     readonly property int fontSize: small ? Theme.callout : large ? Theme.title3 : Theme.body
 
@@ -26,6 +31,7 @@ Button {
     contentItem: Row {
         spacing: 6
         Symbol {
+            id: glyph
             objectName: "glassButtonSymbol"
             anchors.verticalCenter: parent.verticalCenter
             visible: root.symbol !== ""
@@ -34,8 +40,9 @@ Button {
             size: root.fontSize
         }
         Text {
+            id: label
             anchors.verticalCenter: parent.verticalCenter
-            visible: root.text !== ""
+            visible: root.text !== "" && !root.iconOnly
             text: root.text
             font: root.font
             color: root.foreground

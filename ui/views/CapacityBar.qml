@@ -14,6 +14,8 @@ ColumnLayout {
     property real diskAvailable: AppModel.diskAvailable
     property real foundTotal: AppModel.foundTotal
     property real selectedTotal: AppModel.selectedTotal
+    // The width the legend may use, given by whoever places the bar.
+    property real availableWidth: width
 
     // What the scan found can never be more than what is used: a scan may count
     // shared or compressed blocks twice, or a volume may report odd figures.
@@ -80,29 +82,47 @@ ColumnLayout {
         }
     }
 
-    Flow {
+    // A grid rather than a flow: a layout asks it for the height of the rows it really
+    // has, so two rows push what follows down instead of drawing over it.
+    GridLayout {
+        objectName: "capacityLegend"
         Layout.fillWidth: true
-        spacing: 18
+        columnSpacing: 18
+        rowSpacing: 6
+        columns: root.availableWidth >= implicitWidthAtOneRow ? 4 : root.availableWidth >= implicitWidthAtTwoRows ? 2 : 1
+
+        Layout.minimumWidth: 0
+
+        readonly property real implicitWidthAtOneRow: 3 * columnSpacing + legendUsed.implicitWidth
+                                                      + legendCleanable.implicitWidth
+                                                      + legendSelected.implicitWidth + legendFree.implicitWidth
+        readonly property real implicitWidthAtTwoRows: columnSpacing
+                                                       + Math.max(legendUsed.implicitWidth, legendSelected.implicitWidth)
+                                                       + Math.max(legendCleanable.implicitWidth, legendFree.implicitWidth)
 
         LegendEntry {
+            id: legendUsed
             objectName: "legendUsed"
             label: qsTr("Used")
             swatch: Theme.alpha(Theme.primary, 0.55)
             bytes: root.usedOther
         }
         LegendEntry {
+            id: legendCleanable
             objectName: "legendCleanable"
             label: qsTr("Cleanable")
             swatch: Theme.alpha(Theme.gold, 0.35)
             bytes: root.cleanable
         }
         LegendEntry {
+            id: legendSelected
             objectName: "legendSelected"
             label: qsTr("Selected")
             swatch: Theme.gold
             bytes: root.selected
         }
         LegendEntry {
+            id: legendFree
             objectName: "legendFree"
             label: qsTr("Free")
             swatch: Theme.alpha(Theme.primary, 0.15)
@@ -129,6 +149,7 @@ ColumnLayout {
 
     component LegendEntry: Row {
         id: entry
+        Layout.alignment: Qt.AlignLeft
         property string label
         property color swatch
         property real bytes

@@ -1,5 +1,7 @@
-// The top of a category's screen: its identity, risk, total and item count, the
-// filter of the item table, and the row of actions on its items.
+// The top of a category's screen: its identity, risk, total and item count, and the
+// row of actions on its items. Short of room, texts give way first (title, detail
+// and folder elide), then the large-file options fold into a menu, then "Select All"
+// keeps only its symbol: the total, Rescan and Clean always show whole.
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -26,9 +28,28 @@ Item {
     readonly property real selectedSize: figures.selectedSize
     readonly property bool allSelected: count > 0 && selected === count
     readonly property bool large: info.group === "large"
-    readonly property alias filterField: filter
 
     implicitHeight: column.implicitHeight + 24 + 4
+
+    // How much the action row folds to fit: 0 nothing, 1 the large-file options, 2 also
+    // "Select All" to its symbol. From the column's width, which nothing inside feeds.
+    readonly property int foldLevel: {
+        const spacing = actions.spacing;
+        let fixed = spacing; // the flexible gap's
+        if (root.count >= 1)
+            fixed += spacing;
+        if (root.commonLocation !== "")
+            fixed += 60 + spacing;
+        if (root.selected >= 1)
+            fixed += cleanButton.implicitWidth + spacing;
+        const room = column.width - fixed;
+        const full = root.large ? options.fullWidth : 0;
+        const folded = root.large ? options.compactWidth : 0;
+        const selectAllWidth = root.count >= 1 ? selectAll.fullWidth : 0;
+        if (full + selectAllWidth <= room)
+            return 0;
+        return folded + selectAllWidth <= room ? 1 : 2;
+    }
 
     ColumnLayout {
         id: column
@@ -111,6 +132,7 @@ Item {
             ColumnLayout {
                 spacing: 2
                 Layout.alignment: Qt.AlignVCenter
+                Layout.minimumWidth: implicitWidth
 
                 CategoryNumericText {
                     objectName: "categoryTotal"
@@ -129,17 +151,6 @@ Item {
                     Layout.alignment: Qt.AlignRight
                 }
             }
-
-            CategoryFilterField {
-                id: filter
-                text: AppModel.categoryTable.filterText
-                onTextEdited: AppModel.categoryTable.filterText = text
-                Layout.alignment: Qt.AlignVCenter
-                Layout.fillWidth: true
-                Layout.preferredWidth: 200
-                Layout.maximumWidth: 200
-                Layout.minimumWidth: 110
-            }
         }
 
         RowLayout {
@@ -151,8 +162,14 @@ Item {
             Layout.fillWidth: true
 
             GlassButton {
+                id: selectAll
                 objectName: "selectAllButton"
                 visible: root.count >= 1
+                iconOnly: root.foldLevel >= 2
+                Layout.minimumWidth: implicitWidth
+                ToolTip.visible: iconOnly && hovered
+                ToolTip.text: text
+                ToolTip.delay: 600
                 text: root.allSelected ? qsTr("Deselect All") : qsTr("Select All")
                 symbol: root.allSelected ? "circle" : "checkmark.circle"
                 onClicked: AppModel.setAll(root.categoryId, !root.allSelected)
@@ -187,7 +204,9 @@ Item {
             }
 
             LargeFileOptions {
+                id: options
                 visible: root.large
+                compact: root.foldLevel >= 1
             }
 
             ProminentButton {
@@ -201,6 +220,7 @@ Item {
 
                 text: qsTr("Clean %1").arg(shown ? Format.byteCount(root.selectedSize) : fadingSize)
                 symbol: "sparkles"
+                Layout.minimumWidth: implicitWidth
                 opacity: shown ? 1 : 0
                 visible: opacity > 0
                 ToolTip.visible: hovered

@@ -28,7 +28,8 @@ Rectangle {
     // The name column takes what the others leave, at least 240; the size and date
     // columns give up room towards their minimums before the name goes below that.
     // From the panel's own width, which the layouts inside never feed back into.
-    readonly property real available: width - 2 * 20 - 8 - checkWidth - 3 * columnSpacing
+    // Four gaps: the header ends in a flexible filler after the date column.
+    readonly property real available: width - 2 * 20 - 8 - checkWidth - 4 * columnSpacing
     readonly property real spare: Math.max(0, Math.min(1, (available - 240 - 160) / 60))
     readonly property real sizeWidth: 70 + 20 * spare
     readonly property real dateWidth: 90 + 40 * spare

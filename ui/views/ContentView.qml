@@ -109,8 +109,22 @@ Item {
                     }
                 }
 
+                // A category screen's filter lives in the toolbar; it narrows before the
+                // title gives up its text.
+                CategoryFilterField {
+                    visible: root.shownKind === "category"
+                    text: AppModel.categoryTable.filterText
+                    onTextEdited: AppModel.categoryTable.filterText = text
+                    Layout.alignment: Qt.AlignVCenter
+                    Layout.fillWidth: true
+                    Layout.preferredWidth: 220
+                    Layout.maximumWidth: 220
+                    Layout.minimumWidth: 120
+                }
+
                 GlassButton {
                     id: toolbarButton
+                    Layout.minimumWidth: implicitWidth
                     objectName: "toolbarButton"
 
                     readonly property string helpText: root.scanning ? qsTr("Stop scanning (Ctrl+.)")

@@ -34,7 +34,12 @@ GridLayout {
             routeRequested("category", id);
     }
 
-    columns: Math.max(1, Math.floor((width + columnSpacing) / (190 + columnSpacing)))
+    // The width the chips may use, given by whoever places them: the grid's own width
+    // follows its column count, so counting columns from it would keep a narrow
+    // window's single column after the window grows.
+    property real availableWidth: width
+
+    columns: Math.max(1, Math.floor((availableWidth + columnSpacing) / (190 + columnSpacing)))
     columnSpacing: 8
     rowSpacing: 8
 

@@ -20,6 +20,11 @@ Card {
     radius: 32
     padding: 32
 
+    // The width beside the ring, from the card's own width: it is settled before the
+    // layouts inside run, while their widths change in the middle of a layout pass, and
+    // a count of columns taken from those leaves the later items unplaced.
+    readonly property real sideWidth: availableWidth - 240 - 44
+
     RowLayout {
         anchors.left: parent.left
         anchors.right: parent.right
@@ -95,8 +100,12 @@ Card {
             }
         }
 
+        // It takes what the ring leaves, whatever its contents would like: the chips and
+        // the legend arrange themselves in the width they get.
         ColumnLayout {
             Layout.fillWidth: true
+            Layout.minimumWidth: 0
+            Layout.preferredWidth: 0
             Layout.alignment: Qt.AlignVCenter
             spacing: 20
 
@@ -126,6 +135,7 @@ Card {
 
             CapacityBar {
                 objectName: "capacity"
+                availableWidth: root.sideWidth
                 Layout.fillWidth: true
             }
 
@@ -171,7 +181,9 @@ Card {
 
             GroupChips {
                 objectName: "groupChips"
+                availableWidth: root.sideWidth
                 Layout.fillWidth: true
+                Layout.minimumWidth: 0
                 visible: !root.scanning && !root.neverScanned
                 onVisibleChanged: if (visible) root.fadeIn(this)
                 onRouteRequested: (kind, categoryId) => root.routeRequested(kind, categoryId)

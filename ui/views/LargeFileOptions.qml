@@ -13,6 +13,22 @@ RowLayout {
 
     spacing: 10
 
+    // Short of room, the threshold and the search locations fold into one "Options"
+    // menu; Rescan always stays a button of its own.
+    property bool compact: false
+    // The width the options take unfolded and folded, whichever is shown.
+    readonly property real fullWidth: thresholdRow.implicitWidth + locations.implicitWidth
+                                      + rescan.implicitWidth + 2 * spacing
+    readonly property real compactWidth: optionsButton.implicitWidth + rescan.implicitWidth + spacing
+
+    readonly property var choices: [
+        { text: qsTr("500 MB"), value: 0.5 },
+        { text: qsTr("1 GB"), value: 1 },
+        { text: qsTr("2 GB"), value: 2 },
+        { text: qsTr("5 GB"), value: 5 },
+        { text: qsTr("10 GB"), value: 10 }
+    ]
+
     // The last component of a folder path, or the path itself for "/".
     function lastComponent(path) {
         const parts = path.split("/").filter(part => part !== "");
@@ -20,7 +36,9 @@ RowLayout {
     }
 
     RowLayout {
+        id: thresholdRow
         spacing: 6
+        visible: !root.compact
 
         Text {
             text: qsTr("Minimum Size")
@@ -34,13 +52,7 @@ RowLayout {
 
             readonly property real value: AppModel.largeThresholdGB
 
-            model: [
-                { text: qsTr("500 MB"), value: 0.5 },
-                { text: qsTr("1 GB"), value: 1 },
-                { text: qsTr("2 GB"), value: 2 },
-                { text: qsTr("5 GB"), value: 5 },
-                { text: qsTr("10 GB"), value: 10 }
-            ]
+            model: root.choices
             textRole: "text"
             valueRole: "value"
             // Read `count` so that the index is found again once the choices are in.
@@ -88,6 +100,8 @@ RowLayout {
     GlassButton {
         id: locations
         objectName: "searchLocationsButton"
+        visible: !root.compact
+        Layout.minimumWidth: implicitWidth
         text: qsTr("Search Locations (%1)").arg(AppModel.extraRootPaths.length + 1)
         symbol: "folder.badge.plus"
         onClicked: locationsMenu.opened ? locationsMenu.close() : locationsMenu.popup(locations, 0, locations.height + 4)
@@ -123,6 +137,61 @@ RowLayout {
     }
 
     GlassButton {
+        id: optionsButton
+        objectName: "largeOptionsButton"
+        visible: root.compact
+        Layout.minimumWidth: implicitWidth
+        text: qsTr("Options")
+        symbol: "chevron.down"
+        onClicked: optionsMenu.opened ? optionsMenu.close() : optionsMenu.popup(optionsButton, 0, optionsButton.height + 4)
+
+        Menu {
+            id: optionsMenu
+            objectName: "largeOptionsMenu"
+
+            Menu {
+                id: thresholdMenu
+                title: qsTr("Minimum Size")
+                Instantiator {
+                    model: root.choices
+                    delegate: MenuItem {
+                        required property var modelData
+                        text: modelData.text
+                        checkable: true
+                        checked: AppModel.largeThresholdGB === modelData.value
+                        onTriggered: AppModel.largeThresholdGB = modelData.value
+                    }
+                    onObjectAdded: (index, object) => thresholdMenu.insertItem(index, object)
+                    onObjectRemoved: (index, object) => thresholdMenu.removeItem(object)
+                }
+            }
+            MenuSeparator {}
+            MenuItem {
+                text: qsTr("Home folder (always searched)")
+                enabled: false
+            }
+            Instantiator {
+                model: AppModel.extraRootPaths
+                delegate: MenuItem {
+                    required property string modelData
+                    text: qsTr("Remove %1").arg(root.lastComponent(modelData))
+                    onTriggered: AppModel.removeRootPath(modelData)
+                }
+                onObjectAdded: (index, object) => optionsMenu.insertItem(index + 3, object)
+                onObjectRemoved: (index, object) => optionsMenu.removeItem(object)
+            }
+            MenuSeparator {}
+            MenuItem {
+                objectName: "compactAddRootEntry"
+                text: qsTr("Add Folder or Drive…")
+                onTriggered: AppModel.addRoot()
+            }
+        }
+    }
+
+    GlassButton {
+        id: rescan
+        Layout.minimumWidth: implicitWidth
         objectName: "largeRescanButton"
         text: qsTr("Rescan")
         symbol: "arrow.clockwise"

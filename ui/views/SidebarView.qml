@@ -29,10 +29,50 @@ Item {
             root.revision++;
         }
         function onScanningCategoryChanged() {
-            // Not when the scan ends: the list stays where the last category left it.
+            // When the scan ends, the list leaves the scan and brings back the chosen row
+            // if following the scan took it out of sight.
             if (AppModel.scanningCategory !== "")
                 root.centre(AppModel.scanningCategory);
+            else
+                root.revealChosen();
         }
+    }
+
+    onRouteKindChanged: revealChosen()
+    onRouteCategoryChanged: revealChosen()
+
+    // The row standing for the route shown now.
+    function chosenRow() {
+        return routeKind === "overview" ? overviewRow : routeKind === "systemData" ? systemDataRow
+                                                                               : rowFor(routeCategory);
+    }
+
+    // Scrolls the least that brings `row` wholly into the list's view.
+    function reveal(row) {
+        if (!row)
+            return;
+        // From where the list is now, not where a running follow would take it.
+        follow.stop();
+        const top = row.mapToItem(column, 0, 0).y;
+        const bottom = top + row.height;
+        let target = list.contentY;
+        if (top < list.contentY)
+            target = top;
+        else if (bottom > list.contentY + list.height)
+            target = bottom - list.height;
+        target = Math.max(0, Math.min(target, list.contentHeight - list.height));
+        if (target === list.contentY)
+            return;
+        if (Theme.reduceMotion) {
+            list.contentY = target;
+        } else {
+            follow.to = target;
+            follow.start();
+        }
+    }
+
+    function revealChosen() {
+        reveal(chosenRow());
     }
 
     // The row of a category, or null.
@@ -96,6 +136,7 @@ Item {
             bottomPadding: 10
 
             SidebarRow {
+                id: overviewRow
                 objectName: "overviewRow"
                 width: column.width
                 symbol: "gauge.with.dots.needle.67percent"
@@ -106,6 +147,7 @@ Item {
                 onClicked: root.routeChosen("overview", "")
             }
             SidebarRow {
+                id: systemDataRow
                 objectName: "systemDataRow"
                 width: column.width
                 symbol: "chart.pie.fill"

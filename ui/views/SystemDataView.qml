@@ -148,7 +148,9 @@ Item {
                         spacing: 12
                         Layout.fillWidth: true
 
-                        ColumnLayout {
+                        // A plain column: its height is its lines' height at the width
+                        // it gets, where a layout would keep that of a narrower pass.
+                        Column {
                             spacing: 3
                             Layout.fillWidth: true
 
@@ -161,11 +163,11 @@ Item {
                             }
                             Label {
                                 objectName: "systemSubtitle"
+                                width: parent.width
                                 text: qsTr("What macOS files under “System Data” in Settings → Storage.")
                                 color: Theme.secondary
                                 font.pixelSize: Theme.callout
                                 wrapMode: Text.Wrap
-                                Layout.fillWidth: true
                             }
                         }
                         Label {

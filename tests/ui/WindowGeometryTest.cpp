@@ -1,0 +1,233 @@
+// The window at the sizes people use it, from the minimum up: on every screen each
+// visible control lies inside the window and inside the card or layout that holds it,
+// no two controls of one row or column overlap, no button's text is cut, and a window
+// resized from small to large looks exactly as a window opened at that size.
+
+#include "UiHarness.h"
+#include "WindowFixture.h"
+
+#include <QQuickItem>
+#include <QtQuickTest/quicktest.h>
+
+#include <functional>
+#include <map>
+
+namespace {
+
+bool isA(const QObject* object, const char* className) {
+    return object->inherits(className);
+}
+
+bool arranges(const QQuickItem* item) {
+    for (const char* type : {"QQuickLayout", "QQuickBasePositioner"})
+        if (isA(item, type))
+            return true;
+    return false;
+}
+
+bool isCard(const QQuickItem* item) {
+    const QByteArray name = item->metaObject()->className();
+    return name.startsWith("Card_QMLTYPE") || name.startsWith("GlassCapsule_QMLTYPE");
+}
+
+bool shows(const QQuickItem* item) {
+    return item->isVisible() && item->opacity() > 0.01 && item->width() > 0.5 && item->height() > 0.5;
+}
+
+QRectF sceneRect(const QQuickItem* item) {
+    return item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+}
+
+bool inside(const QRectF& inner, const QRectF& outer) {
+    return inner.adjusted(1, 1, -1, -1).isEmpty() || outer.adjusted(-1, -1, 1, 1).contains(inner);
+}
+
+std::string describe(const QQuickItem* item) {
+    const QString name = item->objectName().isEmpty() ? item->metaObject()->className() : item->objectName();
+    const QRectF r = sceneRect(item);
+    return QStringLiteral("%1 [%2,%3 %4x%5]")
+        .arg(name)
+        .arg(r.x())
+        .arg(r.y())
+        .arg(r.width())
+        .arg(r.height())
+        .toStdString();
+}
+
+// Where a screen's named items are, for comparing one window with another.
+using Places = std::map<QString, QRectF>;
+
+} // namespace
+
+class WindowGeometry : public WindowTest {
+protected:
+    void resize(int width, int height) {
+        window()->resize(width, height);
+        ASSERT_TRUE(
+            UiHarness::waitFor([&] { return window()->width() == width && window()->height() == height; }));
+        ASSERT_TRUE(settledAll());
+    }
+
+    // Waits until nothing moves: no layout pending and every named item where it was.
+    bool settledAll() {
+        Places last;
+        int steady = 0;
+        return UiHarness::waitFor(
+            [&] {
+                if (QQuickTest::qIsPolishScheduled(window()))
+                    return (steady = 0) != 0;
+                window()->update();
+                const Places now = places(false);
+                steady = now == last ? steady + 1 : 0;
+                last = now;
+                return steady >= 3;
+            },
+            10000);
+    }
+
+    // Named items' places; `inPage`: inside a scrolling page relative to the page's
+    // content, so that a page scrolled elsewhere does not count as moved.
+    Places places(bool inPage = true) {
+        Places found;
+        std::function<void(QQuickItem*, QQuickItem*)> walk = [&](QQuickItem* item, QQuickItem* frame) {
+            if (!shows(item))
+                return;
+            if (!item->objectName().isEmpty())
+                found[item->objectName()] =
+                    frame ? item->mapRectToItem(frame, item->boundingRect()) : sceneRect(item);
+            QQuickItem* content = inPage && isA(item, "QQuickFlickable")
+                                      ? item->property("contentItem").value<QQuickItem*>()
+                                      : nullptr;
+            for (QQuickItem* child : item->childItems())
+                walk(child, content ? content : frame);
+        };
+        walk(window()->contentItem(), nullptr);
+        return found;
+    }
+
+    // Every fault on the screen shown now, one line each.
+    QStringList faults() {
+        QStringList found;
+        const QRectF windowRect(0, 0, window()->width(), window()->height());
+        std::function<void(QQuickItem*, const QQuickItem*, const QQuickItem*)> walk =
+            [&](QQuickItem* item, const QQuickItem* card, const QQuickItem* scroller) {
+                if (!shows(item))
+                    return;
+                const QRectF rect = sceneRect(item);
+                const bool control = isA(item, "QQuickControl") && !isA(item, "QQuickPopupItem");
+                if (control) {
+                    QRectF allowed = windowRect;
+                    // A scrolled page may hold controls above or below its view, never beside it.
+                    if (scroller) {
+                        const QRectF view = sceneRect(scroller);
+                        allowed = QRectF(view.x(), -1e9, view.width(), 2e9);
+                    }
+                    if (!inside(rect, allowed))
+                        found << QString::fromStdString(describe(item) + " leaves the window");
+                    if (card && !inside(rect, sceneRect(card)))
+                        found << QString::fromStdString(describe(item) + " leaves its card " +
+                                                        describe(card));
+                }
+                if (isA(item, "QQuickAbstractButton"))
+                    for (auto* text : item->findChildren<QQuickItem*>())
+                        if (isA(text, "QQuickText") && shows(text) && text->property("truncated").toBool())
+                            found << QString::fromStdString(describe(item) + " cuts its text");
+                if (arranges(item)) {
+                    std::vector<QQuickItem*> shown;
+                    for (QQuickItem* child : item->childItems())
+                        if (shows(child))
+                            shown.push_back(child);
+                    for (size_t i = 0; i < shown.size(); ++i) {
+                        if (!inside(sceneRect(shown[i]), rect))
+                            found << QString::fromStdString(describe(shown[i]) + " leaves " + describe(item));
+                        for (size_t j = i + 1; j < shown.size(); ++j)
+                            if (sceneRect(shown[i]).adjusted(1, 1, -1, -1).intersects(sceneRect(shown[j])))
+                                found << QString::fromStdString(describe(shown[i]) + " overlaps " +
+                                                                describe(shown[j]));
+                    }
+                }
+                const QQuickItem* innerCard = isCard(item) ? item : card;
+                const QQuickItem* innerScroller =
+                    isA(item, "QQuickFlickable") && item->clip() ? item : scroller;
+                for (QQuickItem* child : item->childItems())
+                    walk(child, innerCard, innerScroller);
+            };
+        walk(window()->contentItem(), nullptr, nullptr);
+
+        // The row chosen in the sidebar is in sight.
+        for (const QString& name : {QStringLiteral("overviewRow"), QStringLiteral("systemDataRow")}) {
+            QQuickItem* row = item(name);
+            QQuickItem* list = item(QStringLiteral("sidebarList"));
+            if (row && list && row->property("selected").toBool() && !inside(sceneRect(row), sceneRect(list)))
+                found << name + " is chosen but out of sight";
+        }
+        return found;
+    }
+
+    void showScreen(const QString& screen) {
+        const int split = screen.indexOf(':');
+        navigate(split < 0 ? screen : QStringLiteral("category"),
+                 split < 0 ? QString() : screen.mid(split + 1));
+        const QString view = screen == "overview"     ? QStringLiteral("overviewView")
+                             : screen == "systemData" ? QStringLiteral("systemDataView")
+                                                      : QStringLiteral("categoryDetailView");
+        ASSERT_TRUE(UiHarness::waitFor([&] { return window()->findChild<QQuickItem*>(view) != nullptr; }));
+        ASSERT_TRUE(settledAll());
+    }
+};
+
+TEST_F(WindowGeometry, EveryScreenFitsEverySize) {
+    // Large files in one folder, so that their screen shows it in the header.
+    home().makeFileOfSize("Library/Caches/com.example.a-rather-long-bundle-name.helper/blob.bin", 900'000);
+    home().makeFileOfSize("Projects/big/disk-image.iso", 3'000'000);
+    home().makeFileOfSize("Projects/big/second-image.iso", 2'200'000);
+    model().setLargeThresholdGB(0.001);
+    ASSERT_TRUE(scanToEnd());
+
+    const QStringList screens{"overview", "systemData", "category:user.caches", "category:large.files"};
+    struct Variant {
+        const char* name;
+        bool searchFolder;
+        bool checked;
+    };
+    const Variant variants[] = {{"plain", false, false}, {"with a search folder and checks", true, true}};
+    const QSize sizes[] = {{1180, 760}, {960, 600}, {1180, 760}, {1400, 900}};
+
+    for (const Variant& variant : variants) {
+        if (variant.searchFolder) {
+            home().makeDir("Projects/a folder with a long name");
+            model().addRoots({home().path("Projects/a folder with a long name")});
+            ASSERT_TRUE(scanToEnd());
+        }
+        if (variant.checked) {
+            model().setAll(QStringLiteral("user.caches"), true);
+            model().setAll(QStringLiteral("large.files"), true);
+        }
+        std::map<QString, Places> fresh;
+        for (const QSize& size : sizes) {
+            resize(size.width(), size.height());
+            for (const QString& screen : screens) {
+                showScreen(screen);
+                const QString where = QStringLiteral("%1 at %2×%3, %4")
+                                          .arg(screen)
+                                          .arg(size.width())
+                                          .arg(size.height())
+                                          .arg(variant.name);
+                const QStringList found = faults();
+                EXPECT_TRUE(found.isEmpty()) << where.toStdString() << ":\n"
+                                             << found.join('\n').toStdString();
+                // Back at a size seen before, after a smaller one: the same picture.
+                const QString key = screen + QString::number(size.width());
+                if (fresh.count(key)) {
+                    const Places now = places();
+                    for (const auto& [name, rect] : fresh[key])
+                        if (now.count(name) && now.at(name) != rect)
+                            ADD_FAILURE() << where.toStdString() << ": " << name.toStdString()
+                                          << " moved after resizing";
+                } else {
+                    fresh[key] = places();
+                }
+            }
+        }
+    }
+}
