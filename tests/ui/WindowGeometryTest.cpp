@@ -5,12 +5,14 @@
 
 #include "UiHarness.h"
 #include "WindowFixture.h"
+#include "ui/WindowSearch.h"
 
 #include <QQuickItem>
 #include <QtQuickTest/quicktest.h>
 
 #include <functional>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -108,9 +110,13 @@ protected:
     // Every fault on the screen shown now, one line each.
     QStringList faults() {
         QStringList found;
+        std::vector<QQuickItem*> bars;
         const QRectF windowRect(0, 0, window()->width(), window()->height());
         std::function<void(QQuickItem*, const QQuickItem*, const QQuickItem*)> walk =
             [&](QQuickItem* item, const QQuickItem* card, const QQuickItem* scroller) {
+                // A bar may be empty; its track is what lines up.
+                if (item->objectName().startsWith(QLatin1String("systemBar_")))
+                    bars.push_back(item);
                 if (!shows(item))
                     return;
                 const QRectF rect = sceneRect(item);
@@ -153,6 +159,28 @@ protected:
                     walk(child, innerCard, innerScroller);
             };
         walk(window()->contentItem(), nullptr, nullptr);
+
+        // The overview's cards pass under the action bar instead of ending above it.
+        if (auto* page =
+                qobject_cast<QQuickItem*>(WindowSearch::firstNamed(window(), QStringLiteral("overviewPage")));
+            page && shows(page))
+            if (sceneRect(page).bottom() < windowRect.bottom() - 1)
+                found << QStringLiteral("the overview ends above the action bar");
+        // The System Data rows of one card end their bars and sizes at one line.
+        std::map<const QQuickItem*, std::set<std::pair<int, int>>> columnsByCard;
+        for (QQuickItem* bar : bars) {
+            auto* size = item(bar->objectName().replace("systemBar_", "systemSize_"));
+            if (!size)
+                continue;
+            const QQuickItem* card = bar;
+            while (card && !isCard(card))
+                card = card->parentItem();
+            const QRectF track = sceneRect(bar->parentItem());
+            columnsByCard[card].insert({qRound(track.right()), qRound(sceneRect(size).right())});
+        }
+        for (const auto& [card, columns] : columnsByCard)
+            if (columns.size() > 1)
+                found << QStringLiteral("System Data rows of one card do not line up");
 
         // The row chosen in the sidebar is in sight.
         for (const QString& name : {QStringLiteral("overviewRow"), QStringLiteral("systemDataRow")}) {

@@ -147,7 +147,10 @@ Item {
                 anchors.topMargin: 8
                 anchors.left: parent.left
                 anchors.right: parent.right
-                anchors.bottom: barArea.top
+                anchors.bottom: parent.bottom
+                // The overview's cards scroll on under the action bar; a category's table
+                // ends above it.
+                anchors.bottomMargin: root.shownKind === "category" ? barArea.height : 0
 
                 // The category a category screen was made for; each route gets a fresh screen.
                 property string categoryId
@@ -163,6 +166,22 @@ Item {
 
                 onKeyChanged: reload()
                 Component.onCompleted: reload()
+            }
+
+            // Where a scrolling page passes under the bar, it fades out instead of
+            // ending at a hard line.
+            Rectangle {
+                objectName: "barSoftEdge"
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.bottom: parent.bottom
+                height: barArea.height + 24
+                visible: root.shownKind === "overview" && barArea.height > 0
+                gradient: Gradient {
+                    GradientStop { position: 0; color: Theme.alpha(Theme.windowColor, 0) }
+                    GradientStop { position: 0.45; color: Theme.alpha(Theme.windowColor, 0.75) }
+                    GradientStop { position: 1; color: Theme.alpha(Theme.windowColor, 0.92) }
+                }
             }
 
             Item {
@@ -190,6 +209,7 @@ Item {
         id: overviewScreen
         OverviewView {
             objectName: "overviewView"
+            bottomInset: barArea.height
             onRouteRequested: (kind, categoryId) => root.navigate(kind, categoryId)
         }
     }

@@ -16,6 +16,9 @@ Item {
     signal routeRequested(string kind, string categoryId)
 
     readonly property bool scanning: AppModel.phase === AppModel.Phase.scanning
+    // The height of what floats over the page's bottom (the action bar): the page ends
+    // under it but can scroll its last card above it.
+    property real bottomInset: 0
 
     Flickable {
         id: page
@@ -23,11 +26,13 @@ Item {
         anchors.fill: parent
         contentWidth: width
         contentHeight: column.implicitHeight + 28 * 2
+        bottomMargin: root.bottomInset
         boundsBehavior: Flickable.StopAtBounds
         clip: true
 
         ScrollBar.vertical: ScrollBar {
-            policy: page.contentHeight > page.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
+            policy: page.contentHeight + page.bottomMargin > page.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
+            bottomPadding: root.bottomInset
         }
 
         ColumnLayout {

@@ -64,6 +64,16 @@ Item {
         property string title
         property var rows: []
         property bool actionable
+        // The widest action button of the card's rows: every row's is as wide.
+        readonly property real actionSlotWidth: {
+            let widest = 0;
+            for (let i = 0; i < entries.count; ++i) {
+                const slot = entries.itemAt(i);
+                if (slot)
+                    widest = Math.max(widest, slot.actionWidth);
+            }
+            return widest;
+        }
 
         spacing: 8
 
@@ -88,12 +98,14 @@ Item {
                 spacing: 0
 
                 Repeater {
+                    id: entries
                     model: section.rows
 
                     ColumnLayout {
                         id: slot
                         required property var modelData
                         required property int index
+                        readonly property real actionWidth: entryRow.actionWidth
                         spacing: 0
                         Layout.fillWidth: true
 
@@ -105,7 +117,9 @@ Item {
                             Layout.leftMargin: 46
                         }
                         SystemEntryRow {
+                            id: entryRow
                             entry: slot.modelData
+                            actionSlotWidth: section.actionSlotWidth
                             actionable: section.actionable
                             fraction: root.fractionOf(slot.modelData.id)
                             Layout.fillWidth: true

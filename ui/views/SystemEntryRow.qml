@@ -15,6 +15,10 @@ Item {
     property bool actionable: false
     // The entry's size bar against the largest measured area, 0…1.
     property real fraction: 0
+    // The width every row of a card gives its action button, so that the bars and sizes
+    // of all rows line up whatever each action is called.
+    property real actionSlotWidth: 0
+    readonly property real actionWidth: actionButton.visible ? actionButton.implicitWidth : 0
     readonly property bool hovering: hover.hovered
 
     readonly property string entryId: entry.id
@@ -184,8 +188,10 @@ Item {
         }
 
         GlassButton {
+            id: actionButton
             objectName: "systemAction_" + root.entryId
             visible: root.actionable
+            Layout.preferredWidth: Math.max(implicitWidth, root.actionSlotWidth)
             small: true
             text: root.entry.actionTitle
             foreground: root.running ? "transparent" : Theme.primary
@@ -203,13 +209,21 @@ Item {
             }
         }
 
-        IconButton {
-            objectName: "systemReveal_" + root.entryId
-            visible: root.revealPath !== ""
-            symbol: "folder"
-            toolTip: qsTr("Show in Finder")
-            size: Theme.body
-            onClicked: Platform.revealInFileViewer(root.revealPath)
+        // The reveal button's place is kept when an area has no folder on this disk.
+        Item {
+            implicitWidth: reveal.implicitWidth
+            implicitHeight: reveal.implicitHeight
+
+            IconButton {
+                id: reveal
+                objectName: "systemReveal_" + root.entryId
+                anchors.centerIn: parent
+                visible: root.revealPath !== ""
+                symbol: "folder"
+                toolTip: qsTr("Show in Finder")
+                size: Theme.body
+                onClicked: Platform.revealInFileViewer(root.revealPath)
+            }
         }
     }
 }
