@@ -39,12 +39,30 @@ ApplicationWindow {
         onOpenRequested: folderDialog.open()
     }
 
+    // The dialog takes one folder at a time: after each one it opens again for the next,
+    // and "Done" hands over every folder chosen so far at once ("Cancel" before any was
+    // chosen adds nothing).
     FolderDialog {
         id: folderDialog
         objectName: "folderDialog"
-        title: qsTr("Choose folders or drives to search for large files")
+
+        property list<url> chosen
+
+        title: chosen.length === 0 ? qsTr("Choose folders or drives to search for large files")
+                                   : qsTr("Choose another folder, or Done to add the %n chosen", "", chosen.length)
         acceptLabel: qsTr("Add")
-        onAccepted: folderChooser.choose([selectedFolder])
-        onRejected: folderChooser.dismiss()
+        rejectLabel: chosen.length === 0 ? qsTr("Cancel") : qsTr("Done")
+        onAccepted: {
+            chosen.push(selectedFolder);
+            Qt.callLater(open);
+        }
+        onRejected: {
+            const folders = Array.from(chosen);
+            chosen = [];
+            if (folders.length > 0)
+                folderChooser.choose(folders);
+            else
+                folderChooser.dismiss();
+        }
     }
 }

@@ -19,13 +19,19 @@ TEST_F(WindowTest, AddingASearchFolderGoesThroughTheFolderDialog) {
     ASSERT_TRUE(UiHarness::waitFor([&] { return !dialog->property("visible").toBool(); }));
     EXPECT_TRUE(model().extraRoots().empty());
 
-    // Confirmed: the chosen folder joins the search, once however often it is chosen.
-    for (int round = 0; round < 2; ++round) {
-        model().addRoot();
+    // Each folder chosen opens the dialog again for the next; Done adds them all at
+    // once, each once however often it was chosen.
+    const QString other = QString::fromStdString(home().makeDir("Projects/Other"));
+    model().addRoot();
+    for (const QString& chosen : {folder, other, folder}) {
         ASSERT_TRUE(UiHarness::waitFor([&] { return dialog->property("visible").toBool(); }));
-        dialog->setProperty("selectedFolder", QUrl::fromLocalFile(folder));
+        dialog->setProperty("selectedFolder", QUrl::fromLocalFile(chosen));
         QMetaObject::invokeMethod(dialog, "accept");
-        ASSERT_TRUE(UiHarness::waitFor([&] { return !dialog->property("visible").toBool(); }));
+        ASSERT_TRUE(UiHarness::waitFor([&] { return dialog->property("visible").toBool(); }));
+        EXPECT_EQ(dialog->property("rejectLabel").toString(), "Done");
     }
-    EXPECT_EQ(model().extraRoots(), AppModel::RootList{folder.toStdString()});
+    EXPECT_TRUE(model().extraRoots().empty()) << "nothing is added before Done";
+    QMetaObject::invokeMethod(dialog, "reject");
+    ASSERT_TRUE(UiHarness::waitFor([&] { return !dialog->property("visible").toBool(); }));
+    EXPECT_EQ(model().extraRoots(), (AppModel::RootList{folder.toStdString(), other.toStdString()}));
 }
