@@ -18,9 +18,32 @@ ApplicationWindow {
     title: content.title
     color: Theme.windowColor
 
-    // The application's tint: selection highlights, progress, focus.
+    // The stock parts the views do not draw themselves (menus, tooltips, a picker's
+    // choices, the folder chooser's rows) take their colours from this palette: our
+    // tokens, so that they read in light and dark alike. A highlighted row is the
+    // application's tint with white text.
+    palette.window: Theme.windowColor
+    palette.windowText: Theme.primary
+    palette.base: Theme.windowColor
+    palette.alternateBase: Theme.alpha(Theme.primary, 0.04)
+    palette.text: Theme.primary
+    palette.button: Theme.windowColor
+    palette.buttonText: Theme.primary
+    palette.brightText: "white"
+    palette.placeholderText: Theme.tertiary
     palette.highlight: Theme.navyBright
     palette.highlightedText: "white"
+    palette.light: Theme.navyBright
+    palette.midlight: Qt.darker(Theme.navyBright, 1.2)
+    palette.mid: Theme.quaternary
+    palette.dark: Theme.secondary
+    palette.shadow: Theme.dark ? "black" : Qt.rgba(0, 0, 0, 0.4)
+    palette.toolTipBase: Theme.dark ? "#2c2c2e" : "#fbfbfd"
+    palette.toolTipText: Theme.primary
+    palette.link: Theme.navyBright
+    palette.disabled.windowText: Theme.tertiary
+    palette.disabled.text: Theme.tertiary
+    palette.disabled.buttonText: Theme.tertiary
 
     menuBar: AppMenuBar {
         id: menus

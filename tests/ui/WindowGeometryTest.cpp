@@ -7,9 +7,16 @@
 #include "WindowFixture.h"
 #include "ui/WindowSearch.h"
 
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQmlExpression>
 #include <QQuickItem>
 #include <QtQuickTest/quicktest.h>
 
+#include <QGuiApplication>
+#include <QPalette>
+
+#include <cmath>
 #include <functional>
 #include <map>
 #include <set>
@@ -63,6 +70,11 @@ using Places = std::map<QString, QRectF>;
 
 class WindowGeometry : public WindowTest {
 protected:
+    // The Theme singleton the window's views use.
+    QObject* theme() {
+        QQmlExpression expression(qmlContext(window()), window(), QStringLiteral("Theme"));
+        return expression.evaluate().value<QObject*>();
+    }
     void resize(int width, int height) {
         window()->resize(width, height);
         ASSERT_TRUE(
@@ -258,4 +270,74 @@ TEST_F(WindowGeometry, EveryScreenFitsEverySize) {
             }
         }
     }
+}
+
+namespace {
+
+// WCAG contrast of `text` over `back`, each blended over `under`.
+double contrast(QColor text, QColor back, const QColor& under) {
+    auto blend = [](const QColor& top, const QColor& below) {
+        const double a = top.alphaF();
+        return QColor::fromRgbF(top.redF() * a + below.redF() * (1 - a),
+                                top.greenF() * a + below.greenF() * (1 - a),
+                                top.blueF() * a + below.blueF() * (1 - a));
+    };
+    auto luminance = [](const QColor& c) {
+        auto channel = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+        return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
+    };
+    back = blend(back, under);
+    text = blend(text, back);
+    const double a = luminance(text) + 0.05, b = luminance(back) + 0.05;
+    return std::max(a, b) / std::min(a, b);
+}
+
+} // namespace
+
+// The chosen row of a picker and the highlighted entry of a menu read in a light and a
+// dark palette.
+TEST_F(WindowGeometry, HighlightedChoicesReadInLightAndDark) {
+    ASSERT_TRUE(scanToEnd());
+    showScreen(QStringLiteral("category:large.files"));
+    QObject* picker = find(QStringLiteral("minimumSizePicker"));
+    ASSERT_NE(picker, nullptr);
+    const QPalette original = QGuiApplication::palette();
+    for (const bool dark : {false, true}) {
+        QPalette palette = original;
+        palette.setColor(QPalette::Window, dark ? QColor(30, 30, 32) : QColor(236, 236, 238));
+        QGuiApplication::setPalette(palette);
+        ASSERT_TRUE(UiHarness::waitFor([&] { return theme()->property("dark").toBool() == dark; }));
+        const QColor window = theme()->property("windowColor").value<QColor>();
+
+        auto* popup = picker->property("popup").value<QObject*>();
+        QMetaObject::invokeMethod(popup, "open");
+        ASSERT_TRUE(UiHarness::waitFor([&] { return popup->property("opened").toBool(); }));
+        auto* list = popup->property("contentItem").value<QQuickItem*>();
+        QQuickItem* chosen = nullptr;
+        QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem*, chosen),
+                                  Q_ARG(int, picker->property("currentIndex").toInt()));
+        ASSERT_NE(chosen, nullptr);
+        ASSERT_TRUE(chosen->property("highlighted").toBool());
+        auto colourOf = [](QObject* owner, const char* part) {
+            return owner->property(part).value<QObject*>()->property("color").value<QColor>();
+        };
+        EXPECT_GE(contrast(colourOf(chosen, "contentItem"), colourOf(chosen, "background"), window), 3.0)
+            << (dark ? "dark" : "light");
+        QMetaObject::invokeMethod(popup, "close");
+
+        // A context menu's entry under the pointer.
+        QObject* menu = find(QStringLiteral("categoryMenu"));
+        QMetaObject::invokeMethod(find(QStringLiteral("sidebar")), "openCategoryMenu",
+                                  Q_ARG(QVariant, QStringLiteral("user.caches")));
+        ASSERT_TRUE(UiHarness::waitFor([&] { return menu->property("opened").toBool(); }));
+        QObject* entry = find(QStringLiteral("menuSelectAllInCategory"));
+        entry->setProperty("highlighted", true);
+        EXPECT_GE(
+            contrast(entry->property("foreground").value<QColor>(), colourOf(entry, "background"), window),
+            3.0)
+            << (dark ? "dark" : "light");
+        QMetaObject::invokeMethod(menu, "close");
+        ASSERT_TRUE(UiHarness::waitFor([&] { return !menu->property("visible").toBool(); }));
+    }
+    QGuiApplication::setPalette(original);
 }

@@ -24,7 +24,7 @@ MenuBar {
     readonly property alias cleanSelectedAction: cleanSelected
 
     // A menu entry that names its keyboard shortcut at the right edge.
-    component CommandItem: MenuItem {
+    component CommandItem: PopupMenuItem {
         id: entry
         property string shortcutText
         contentItem: RowLayout {
@@ -45,13 +45,13 @@ MenuBar {
         }
     }
 
-    Menu {
+    PopupMenu {
         objectName: "applicationMenu"
         title: "Veltro"
         // Wide enough for the titles and their shortcuts side by side.
         width: 240
 
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuCoffee"
             text: qsTr("Buy Me a Coffee…")
             onTriggered: Platform.openUrl(Platform.coffee)
@@ -68,7 +68,7 @@ MenuBar {
         }
     }
 
-    Menu {
+    PopupMenu {
         objectName: "scanMenu"
         title: qsTr("Scan")
         width: 300
@@ -96,7 +96,7 @@ MenuBar {
             }
         }
         MenuSeparator {}
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuSelectRecommended"
             action: Action {
                 id: selectRecommended
@@ -105,7 +105,7 @@ MenuBar {
                 onTriggered: AppModel.selectRecommended()
             }
         }
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuDeselectAll"
             action: Action {
                 id: deselectAll
@@ -128,27 +128,27 @@ MenuBar {
         }
     }
 
-    Menu {
+    PopupMenu {
         objectName: "helpMenu"
         title: qsTr("Help")
 
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuWebsite"
             text: qsTr("Veltro Website")
             onTriggered: Platform.openUrl(Platform.website)
         }
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuHelpCoffee"
             text: qsTr("Buy Me a Coffee…")
             onTriggered: Platform.openUrl(Platform.coffee)
         }
         MenuSeparator {}
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuTerms"
             text: qsTr("Terms of Use")
             onTriggered: Platform.openUrl(Platform.terms)
         }
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuPrivacy"
             text: qsTr("Privacy Policy")
             onTriggered: Platform.openUrl(Platform.privacy)

@@ -226,7 +226,7 @@ Rectangle {
         list.positionViewAtIndex(to, ListView.Contain);
     }
 
-    Menu {
+    PopupMenu {
         id: contextMenu
         objectName: "itemContextMenu"
 
@@ -235,13 +235,13 @@ Rectangle {
         readonly property var targets: root.targetsOf(keys)
         readonly property bool canReveal: targets.length > 0 && targets[0].hasURL
 
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuCheckItems"
             text: qsTr("Check")
             enabled: contextMenu.keys.length > 0
             onTriggered: contextMenu.keys.forEach(key => AppModel.setItemSelected(key, true))
         }
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuUncheckItems"
             text: qsTr("Uncheck")
             enabled: contextMenu.keys.length > 0
@@ -251,14 +251,14 @@ Rectangle {
             visible: contextMenu.targets.length > 0
             height: visible ? implicitHeight : 0
         }
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuShowInFileViewer"
             text: qsTr("Show in Finder")
             visible: contextMenu.canReveal
             height: visible ? implicitHeight : 0
             onTriggered: Platform.revealInFileViewer(contextMenu.targets[0].path)
         }
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuCopyPath"
             text: qsTr("Copy Path")
             visible: contextMenu.targets.length > 0

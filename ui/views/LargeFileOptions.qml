@@ -106,18 +106,18 @@ RowLayout {
         symbol: "folder.badge.plus"
         onClicked: locationsMenu.opened ? locationsMenu.close() : locationsMenu.popup(locations, 0, locations.height + 4)
 
-        Menu {
+        PopupMenu {
             id: locationsMenu
             objectName: "searchLocationsMenu"
 
-            MenuItem {
+            PopupMenuItem {
                 objectName: "homeFolderEntry"
                 text: qsTr("Home folder (always searched)")
                 enabled: false
             }
             Instantiator {
                 model: AppModel.extraRootPaths
-                delegate: MenuItem {
+                delegate: PopupMenuItem {
                     required property int index
                     required property string modelData
                     objectName: "removeRoot_" + index
@@ -128,7 +128,7 @@ RowLayout {
                 onObjectRemoved: (index, object) => locationsMenu.removeItem(object)
             }
             MenuSeparator {}
-            MenuItem {
+            PopupMenuItem {
                 objectName: "addRootEntry"
                 text: qsTr("Add Folder or Drive…")
                 onTriggered: AppModel.addRoot()
@@ -145,16 +145,16 @@ RowLayout {
         symbol: "chevron.down"
         onClicked: optionsMenu.opened ? optionsMenu.close() : optionsMenu.popup(optionsButton, 0, optionsButton.height + 4)
 
-        Menu {
+        PopupMenu {
             id: optionsMenu
             objectName: "largeOptionsMenu"
 
-            Menu {
+            PopupMenu {
                 id: thresholdMenu
                 title: qsTr("Minimum Size")
                 Instantiator {
                     model: root.choices
-                    delegate: MenuItem {
+                    delegate: PopupMenuItem {
                         required property var modelData
                         text: modelData.text
                         checkable: true
@@ -166,13 +166,13 @@ RowLayout {
                 }
             }
             MenuSeparator {}
-            MenuItem {
+            PopupMenuItem {
                 text: qsTr("Home folder (always searched)")
                 enabled: false
             }
             Instantiator {
                 model: AppModel.extraRootPaths
-                delegate: MenuItem {
+                delegate: PopupMenuItem {
                     required property string modelData
                     text: qsTr("Remove %1").arg(root.lastComponent(modelData))
                     onTriggered: AppModel.removeRootPath(modelData)
@@ -181,7 +181,7 @@ RowLayout {
                 onObjectRemoved: (index, object) => optionsMenu.removeItem(object)
             }
             MenuSeparator {}
-            MenuItem {
+            PopupMenuItem {
                 objectName: "compactAddRootEntry"
                 text: qsTr("Add Folder or Drive…")
                 onTriggered: AppModel.addRoot()

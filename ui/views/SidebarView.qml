@@ -265,24 +265,24 @@ Item {
         anchors.margins: 10
     }
 
-    Menu {
+    PopupMenu {
         id: categoryMenu
         objectName: "categoryMenu"
 
         property string categoryId
 
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuSelectAllInCategory"
             text: qsTr("Select All in Category")
             onTriggered: AppModel.setAll(categoryMenu.categoryId, true)
         }
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuDeselectAllInCategory"
             text: qsTr("Deselect All in Category")
             onTriggered: AppModel.setAll(categoryMenu.categoryId, false)
         }
         MenuSeparator {}
-        MenuItem {
+        PopupMenuItem {
             objectName: "menuCleanCategory"
             text: qsTr("Clean This Category…")
             enabled: {

@@ -74,9 +74,9 @@ Item {
         onTapped: contextMenu.popup()
     }
 
-    Menu {
+    PopupMenu {
         id: contextMenu
-        MenuItem {
+        PopupMenuItem {
             text: qsTr("Show in Finder")
             onTriggered: Platform.revealInFileViewer(root.revealPath)
         }
