@@ -341,3 +341,20 @@ TEST_F(Kit, AmbientBackgroundHasTheTintedCornersAndAPlainCentre) {
     for (const auto& [u, v] : {std::pair{0.5, 0.0}, {0.0, 0.5}, {0.55, 0.45}, {1.0, 0.5}, {0.5, 1.0}})
         EXPECT_PRED3(similar, at(u, v), base, 3) << u << "," << v << ": " << hex(at(u, v));
 }
+
+TEST_F(Kit, NumericTextCrossFadesUnlessMotionIsReduced) {
+    for (const bool reduce : {false, true}) {
+        ReduceMotionScope motion(reduce);
+        ASSERT_NE(loadInWindow("NumericText { objectName: 'number'; text: '1 GB' }"), nullptr);
+        QObject* number = find(QStringLiteral("number"));
+        auto* previous = find<QQuickItem>(QStringLiteral("previousText"));
+        ASSERT_TRUE(number && previous);
+        double oldShown = 0;
+        QObject::connect(previous, &QQuickItem::opacityChanged, previous,
+                         [&] { oldShown = std::max(oldShown, previous->opacity()); });
+        number->setProperty("text", QStringLiteral("2 GB"));
+        ASSERT_TRUE(UiHarness::waitFor([&] { return previous->opacity() == 0.0; }));
+        EXPECT_EQ(previous->property("text").toString(), reduce ? "" : "1 GB");
+        EXPECT_EQ(oldShown > 0, !reduce) << "the old text shows while the new one fades in";
+    }
+}

@@ -134,7 +134,7 @@ Item {
                 Layout.alignment: Qt.AlignVCenter
                 Layout.minimumWidth: implicitWidth
 
-                CategoryNumericText {
+                NumericText {
                     objectName: "categoryTotal"
                     text: root.count > 0 ? Format.byteCount(root.totalSize) : "—"
                     font.pixelSize: 30

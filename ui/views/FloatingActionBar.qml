@@ -187,7 +187,7 @@ Item {
                 Item {
                     Layout.fillWidth: true
                 }
-                Label {
+                NumericText {
                     objectName: "selectedTotalText"
                     text: Format.byteCount(AppModel.selectedTotal)
                     color: Theme.primary

@@ -146,7 +146,7 @@ Item {
                 }
             }
 
-            Label {
+            NumericText {
                 id: trailingLabel
                 objectName: "trailingLabel"
                 anchors.right: parent.right

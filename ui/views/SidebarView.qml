@@ -214,7 +214,7 @@ Item {
                             font.pixelSize: Theme.subheadline
                             font.weight: Font.DemiBold
                         }
-                        Label {
+                        NumericText {
                             objectName: "groupTotal"
                             anchors.right: parent.right
                             anchors.rightMargin: 20

@@ -1,4 +1,5 @@
-// A number that cross-fades from its old text to its new one.
+// A number that cross-fades from its old text to its new one (at once with reduce
+// motion): sizes and totals that change while the user watches.
 import QtQuick
 import Veltro
 
@@ -29,6 +30,7 @@ Item {
 
     Text {
         id: previous
+        objectName: "previousText"
         anchors.fill: parent
         horizontalAlignment: root.horizontalAlignment
         font: root.font
