@@ -6,6 +6,7 @@
 #include "ui/Format.h"
 
 #include <QColor>
+#include <QSet>
 
 #include <tuple>
 #include <vector>
@@ -161,4 +162,45 @@ TEST_F(WindowTest, CategoryContextMenuSelectsAndCleansOnlyWhenItMay) {
     EXPECT_FALSE(cleanItem->property("enabled").toBool());
     ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
     model().setShowResult(false);
+}
+
+TEST_F(WindowTest, KeyboardReachesTheSidebarAndEveryControlInReadingOrder) {
+    ASSERT_TRUE(scanToEnd());
+    // Tab walks the sidebar first, then the detail column; whatever takes the focus is
+    // brought into sight and shows it.
+    QStringList walked;
+    QSet<QQuickItem*> seen;
+    bool inDetail = false;
+    for (int step = 0; step < 80; ++step) {
+        key(Qt::Key_Tab);
+        QQuickItem* focused = window()->activeFocusItem();
+        ASSERT_NE(focused, nullptr);
+        if (seen.contains(focused))
+            break;
+        seen.insert(focused);
+        walked << focused->objectName();
+        const bool detail = item("detailColumn")->isAncestorOf(focused);
+        EXPECT_FALSE(inDetail && !detail) << "back to the sidebar after the detail column";
+        inDetail = inDetail || detail;
+        ASSERT_TRUE(settled(focused));
+        EXPECT_TRUE(QRectF(0, 0, window()->width(), window()->height())
+                        .contains(focused->mapRectToScene(focused->boundingRect())))
+            << focused->objectName().toStdString() << " takes the focus out of sight";
+        EXPECT_TRUE(focused->objectName() == "sidebarList" || focused->property("visualFocus").toBool())
+            << focused->objectName().toStdString() << " hides its focus";
+    }
+    EXPECT_EQ(walked.value(0), "sidebarList");
+    EXPECT_TRUE(walked.contains("toolbarButton"));
+
+    // In the sidebar the arrows move from the chosen row and Return opens.
+    item("sidebarList")->forceActiveFocus();
+    ASSERT_TRUE(read("overviewRow", "cursor").toBool());
+    key(Qt::Key_Down);
+    key(Qt::Key_Down);
+    EXPECT_TRUE(
+        read("categoryRow_" + QString::fromStdString(model().categories().front().id), "cursor").toBool());
+    key(Qt::Key_Up);
+    key(Qt::Key_Return);
+    EXPECT_EQ(read("contentView", "routeKind").toString(), "systemData");
+    EXPECT_TRUE(read("systemDataRow", "cursor").toBool());
 }

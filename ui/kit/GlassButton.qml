@@ -57,5 +57,9 @@ Button {
                          : Theme.alpha(Theme.windowColor, root.hovered ? 0.85 : 0.7)
         border.width: 1
         border.color: Theme.glassOutline
+
+        FocusRing {
+            shown: root.visualFocus
+        }
     }
 }

@@ -24,6 +24,12 @@ AbstractButton {
         size: root.size
     }
 
+    background: Item {
+        FocusRing {
+            shown: root.visualFocus
+        }
+    }
+
     ToolTip.visible: hovered && toolTip !== ""
     ToolTip.text: toolTip
     ToolTip.delay: 600

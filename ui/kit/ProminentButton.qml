@@ -50,5 +50,9 @@ Button {
              : root.hovered ? Qt.lighter(root.tint, 1.08) : root.tint
         border.width: 1
         border.color: Qt.rgba(1, 1, 1, 0.12)
+
+        FocusRing {
+            shown: root.visualFocus
+        }
     }
 }

@@ -66,7 +66,7 @@ GridLayout {
             Layout.fillWidth: true
             Layout.preferredWidth: 190
             hoverEnabled: true
-            focusPolicy: Qt.NoFocus
+            focusPolicy: Qt.TabFocus
             leftPadding: 12
             rightPadding: 12
             topPadding: 7
@@ -77,6 +77,10 @@ GridLayout {
             background: Rectangle {
                 radius: height / 2
                 color: Theme.alpha(Theme.primary, chip.down ? 0.12 : chip.hovered ? 0.09 : 0.06)
+
+                FocusRing {
+                    shown: chip.visualFocus
+                }
             }
 
             contentItem: RowLayout {

@@ -123,7 +123,7 @@ Item {
             color: Theme.secondary
             size: Theme.title3
             toolTip: qsTr("Show in Finder")
-            opacity: root.hovering ? 1 : 0
+            opacity: root.hovering || visualFocus ? 1 : 0
             onClicked: if (root.hasURL) Platform.revealInFileViewer(root.path)
         }
     }

@@ -3,6 +3,7 @@
 // card, the ranking and largest-items cards once there are results, and a summary of
 // the last clean.
 import QtQuick
+import QtQuick.Window
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Veltro
@@ -19,6 +20,26 @@ Item {
     // The height of what floats over the page's bottom (the action bar): the page ends
     // under it but can scroll its last card above it.
     property real bottomInset: 0
+
+    // Tabbing to a control below or above the view scrolls it into sight.
+    Connections {
+        target: root.Window.window
+        function onActiveFocusItemChanged() {
+            const focused = root.Window.window ? root.Window.window.activeFocusItem : null;
+            let on = focused;
+            while (on && on !== page.contentItem)
+                on = on.parent;
+            if (!on)
+                return;
+            const top = focused.mapToItem(page.contentItem, 0, 0).y;
+            const bottom = top + focused.height;
+            const visibleHeight = page.height - root.bottomInset;
+            if (top < page.contentY)
+                page.contentY = Math.max(0, top - 12);
+            else if (bottom > page.contentY + visibleHeight)
+                page.contentY = Math.min(bottom - visibleHeight + 12, page.contentHeight + page.bottomMargin - page.height);
+        }
+    }
 
     Flickable {
         id: page

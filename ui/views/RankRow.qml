@@ -45,7 +45,7 @@ RowLayout {
         objectName: "rankOpen"
         Layout.fillWidth: true
         hoverEnabled: true
-        focusPolicy: Qt.NoFocus
+        focusPolicy: Qt.TabFocus
         topPadding: 6
         bottomPadding: 6
         leftPadding: 8
@@ -56,6 +56,11 @@ RowLayout {
         background: Rectangle {
             radius: 12
             color: openButton.hovered ? Theme.alpha(Theme.primary, 0.06) : "transparent"
+
+            FocusRing {
+                anchors.margins: 0
+                shown: openButton.visualFocus
+            }
         }
 
         contentItem: RowLayout {

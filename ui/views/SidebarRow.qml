@@ -20,6 +20,8 @@ Item {
     property bool scanning: false
     property bool dimTitle: false
     property bool selected: false
+    // The keyboard's place in the list while the list has focus: drawn as a ring.
+    property bool cursor: false
     property string toolTip
 
     // The colour the trailing text is drawn in, for whoever needs to check it.
@@ -40,6 +42,17 @@ Item {
         color: row.selected ? Qt.rgba(Theme.navyBright.r, Theme.navyBright.g, Theme.navyBright.b, 0.16)
                             : Qt.rgba(Theme.primary.r, Theme.primary.g, Theme.primary.b, 0.05)
         opacity: row.selected || hover.hovered ? 1 : 0
+    }
+    Rectangle {
+        objectName: "focusRing"
+        anchors.fill: parent
+        anchors.leftMargin: 10
+        anchors.rightMargin: 10
+        radius: 8
+        color: "transparent"
+        border.width: 2
+        border.color: Theme.navyBright
+        visible: row.cursor
     }
 
     // While scanning: the group's tint behind the row, with a highlight sweeping across.

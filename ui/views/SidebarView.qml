@@ -98,6 +98,39 @@ Item {
         }
     }
 
+    // The keyboard: a single-selection list. The arrows move a cursor from the chosen
+    // row (kept in view), Return or Space opens the row under it.
+    property int cursor: -1
+    readonly property bool keyboardActive: list.activeFocus
+
+    // Every row in list order: kind and category id.
+    function entries() {
+        const all = [{ kind: "overview", id: "" }, { kind: "systemData", id: "" }];
+        for (let i = 0; i < categories.count; ++i)
+            all.push({ kind: "category", id: categories.itemAt(i).categoryId });
+        return all;
+    }
+    function rowAt(index) {
+        return index === 0 ? overviewRow : index === 1 ? systemDataRow
+                                                       : (categories.itemAt(index - 2) ? categories.itemAt(index - 2).row : null);
+    }
+    function chosenIndex() {
+        const all = entries();
+        for (let i = 0; i < all.length; ++i)
+            if (all[i].kind === routeKind && (all[i].kind !== "category" || all[i].id === routeCategory))
+                return i;
+        return 0;
+    }
+    function moveCursor(delta) {
+        const from = cursor < 0 ? chosenIndex() : cursor;
+        cursor = Math.max(0, Math.min(categories.count + 1, from + delta));
+        reveal(rowAt(cursor));
+    }
+    function openCursor() {
+        const entry = entries()[cursor < 0 ? chosenIndex() : cursor];
+        routeChosen(entry.kind, entry.id);
+    }
+
     function openCategoryMenu(categoryId) {
         categoryMenu.categoryId = categoryId;
         categoryMenu.popup();
@@ -120,6 +153,14 @@ Item {
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         ScrollBar.vertical: ScrollBar {}
+        activeFocusOnTab: true
+        onActiveFocusChanged: root.cursor = activeFocus ? root.chosenIndex() : -1
+
+        Keys.onUpPressed: root.moveCursor(-1)
+        Keys.onDownPressed: root.moveCursor(1)
+        Keys.onReturnPressed: root.openCursor()
+        Keys.onEnterPressed: root.openCursor()
+        Keys.onSpacePressed: root.openCursor()
 
         NumberAnimation {
             id: follow
@@ -144,6 +185,7 @@ Item {
                 title: qsTr("Overview")
                 active: true
                 selected: root.routeKind === "overview"
+                cursor: root.keyboardActive && root.cursor === 0
                 onClicked: root.routeChosen("overview", "")
             }
             SidebarRow {
@@ -156,6 +198,7 @@ Item {
                 trailing: AppModel.hasSystemReport ? Format.byteCount(AppModel.systemMeasuredTotal) : ""
                 active: true
                 selected: root.routeKind === "systemData"
+                cursor: root.keyboardActive && root.cursor === 1
                 onClicked: root.routeChosen("systemData", "")
             }
 
@@ -249,6 +292,7 @@ Item {
                         selectedCount: entry.selectedCount
                         selectedSize: entry.selectedSize
                         selected: root.routeKind === "category" && root.routeCategory === entry.categoryId
+                        cursor: root.keyboardActive && root.cursor === entry.index + 2
                         onClicked: root.routeChosen("category", entry.categoryId)
                         onContextMenuRequested: root.openCategoryMenu(entry.categoryId)
                     }
