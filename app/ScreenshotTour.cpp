@@ -17,6 +17,7 @@
 #include <QTextStream>
 #include <QTimer>
 
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -234,10 +235,33 @@ void ScreenshotTour::showSystemData() {
                  [this] {
                      if (!model_.hasSystemReport())
                          fail(QStringLiteral("the System Data analysis failed: ") + model_.systemMessage());
-                     shoot(QStringLiteral("system-data.png"), [this] { finish(); });
+                     shoot(QStringLiteral("system-data.png"), [this] { showSize(0); });
                  },
                  workTimeoutMs);
         });
+}
+
+void ScreenshotTour::showSize(int step) {
+    // The minimum, the default and a large window, each with the overview, the large
+    // files and System Data: from small to large, as someone resizing it would.
+    static const QSize sizes[] = {{960, 600}, {1180, 760}, {1400, 900}};
+    static const char* const screens[] = {"overview", "large.files", "systemData"};
+    if (step >= int(std::size(sizes) * std::size(screens))) {
+        finish();
+        return;
+    }
+    const QSize size = sizes[step / std::size(screens)];
+    const QString screen = QString::fromLatin1(screens[step % std::size(screens)]);
+    if (step == 0)
+        model_.setAll(QStringLiteral("large.files"), true);
+    window_->resize(size);
+    if (screen == QLatin1String("large.files"))
+        navigate(QStringLiteral("category"), screen);
+    else
+        navigate(screen);
+    const QString name = QStringLiteral("size-%1x%2-%3.png").arg(size.width()).arg(size.height()).arg(screen);
+    when([this, size] { return window_->size() == size; }, QStringLiteral("the window at its new size"),
+         [this, name, step] { shoot(name, [this, step] { showSize(step + 1); }); });
 }
 
 void ScreenshotTour::when(std::function<bool()> ready, const QString& what, std::function<void()> next,

@@ -1,8 +1,9 @@
 #pragma once
 // Saves pictures of the window for review: before a scan, halfway through it, after
 // it, with the recommended items checked; then the overview, a category with one item
-// checked, the confirmation sheet, the result of cleaning that item, and the measured
-// System Data screen. Finally closes the window, which ends the application like a
+// checked, the confirmation sheet, the result of cleaning that item, the measured
+// System Data screen, and a few screens at the minimum, default and a large window
+// size. Finally closes the window, which ends the application like a
 // user closing it would.
 //
 // The tour cleans for real, so it only does so in a home folder made for it: one that
@@ -49,6 +50,8 @@ private:
     void cleanChecked();
     void closeResult();
     void showSystemData();
+    // Pictures at three window sizes; `step` counts size and screen together.
+    void showSize(int step);
 
     // Runs `next` once `ready` holds, asking every 50 ms; when `timeoutMs` pass first,
     // the tour fails, naming `what` it waited for, and ends.
