@@ -18,17 +18,8 @@ QQuickItem* CategoryDetail::show(const QString& categoryID) {
         return screen && screen->property("categoryId").toString() == categoryID;
     });
     EXPECT_TRUE(shown) << "the screen of " << categoryID.toStdString() << " did not show";
-    EXPECT_TRUE(settle());
+    EXPECT_TRUE(shown && settled(screen));
     return shown ? screen : nullptr;
-}
-
-bool CategoryDetail::settle() {
-    int frames = 0;
-    const auto connection = QObject::connect(window(), &QQuickWindow::frameSwapped, [&] { ++frames; });
-    window()->update();
-    const bool drawn = UiHarness::waitFor([&] { return frames > 0; });
-    QObject::disconnect(connection);
-    return drawn;
 }
 
 QQuickItem* CategoryDetail::view() {

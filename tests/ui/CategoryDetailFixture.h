@@ -14,9 +14,6 @@
 
 class CategoryDetail : public WindowTest {
 protected:
-    // Waits for the window to draw a frame, so that what changed is laid out; false if
-    // none came.
-    bool settle();
     // Shows the category's screen, laid out, and returns it, or null with a test failure.
     QQuickItem* show(const QString& categoryID);
     QQuickItem* view();

@@ -37,7 +37,6 @@ protected:
         ASSERT_NE(show(QStringLiteral("dev.packages")), nullptr);
         ASSERT_EQ(model().itemCountOf("dev.packages"), 4);
         ASSERT_TRUE(UiHarness::waitFor([&] { return rows().size() == 4; }));
-        ASSERT_TRUE(settle());
     }
 
     QString homePath(const char* relative) { return QString::fromStdString(home().path(relative)); }

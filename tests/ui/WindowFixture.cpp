@@ -63,25 +63,19 @@ QVariant WindowTest::read(const QString& name, const char* property) {
 }
 
 bool WindowTest::settled(QQuickItem* target) {
-    if (!target)
-        return false;
     // A layout places what just became visible at its next polish, and a moving item is
     // only where it lands once its animation ends: compare samples a frame apart.
     QRectF last;
     int steady = 0;
-    return UiHarness::waitFor(
-        [&] {
-            if (QQuickTest::qIsPolishScheduled(window_)) {
-                steady = 0;
-                return false;
-            }
-            window_->update();
-            const QRectF place = target->mapRectToScene(target->boundingRect());
-            steady = place == last ? steady + 1 : 0;
-            last = place;
-            return steady >= 3;
-        },
-        5000);
+    return target && UiHarness::waitFor(
+                         [&] {
+                             window_->update();
+                             const QRectF place = target->mapRectToScene(target->boundingRect());
+                             const bool same = place == last && !QQuickTest::qIsPolishScheduled(window_);
+                             last = place;
+                             return (steady = same ? steady + 1 : 0) >= 3;
+                         },
+                         5000);
 }
 
 void WindowTest::click(QQuickItem* target, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
