@@ -246,7 +246,7 @@ void ScreenshotTour::showSize(int step) {
     // files and System Data: from small to large, as someone resizing it would.
     static const QSize sizes[] = {{960, 600}, {1180, 760}, {1400, 900}};
     static const char* const screens[] = {"overview", "large.files", "systemData"};
-    if (step >= int(std::size(sizes) * std::size(screens))) {
+    if (!window_ || step >= int(std::size(sizes) * std::size(screens))) {
         finish();
         return;
     }
@@ -260,8 +260,13 @@ void ScreenshotTour::showSize(int step) {
     else
         navigate(screen);
     const QString name = QStringLiteral("size-%1x%2-%3.png").arg(size.width()).arg(size.height()).arg(screen);
-    when([this, size] { return window_->size() == size; }, QStringLiteral("the window at its new size"),
-         [this, name, step] { shoot(name, [this, step] { showSize(step + 1); }); });
+    when(
+        [this, size] {
+            const QQuickWindow* shown = window_.data();
+            return shown != nullptr && shown->size() == size;
+        },
+        QStringLiteral("the window at its new size"),
+        [this, name, step] { shoot(name, [this, step] { showSize(step + 1); }); });
 }
 
 void ScreenshotTour::when(std::function<bool()> ready, const QString& what, std::function<void()> next,
