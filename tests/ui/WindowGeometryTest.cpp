@@ -262,8 +262,9 @@ double contrast(const QColor& text, const QColor& back, const QColor& under) {
 
 } // namespace
 
-// The chosen value of a picker reads in a light and a dark palette.
-TEST_F(WindowGeometry, ChosenValueReadsInLightAndDark) {
+// The chosen value of a picker and the help of a button read in a light and a dark
+// palette.
+TEST_F(WindowGeometry, ChosenValueAndHelpReadInLightAndDark) {
     ASSERT_TRUE(scanToEnd());
     showScreen(QStringLiteral("category:large.files"));
     QObject* picker = find(QStringLiteral("minimumSizePicker"));
@@ -291,6 +292,18 @@ TEST_F(WindowGeometry, ChosenValueReadsInLightAndDark) {
         EXPECT_GE(contrast(colourOf(chosen, "contentItem"), colourOf(chosen, "background"), window), 3.0)
             << (dark ? "dark" : "light");
         QMetaObject::invokeMethod(popup, "close");
+
+        // The help of a button, in the same look.
+        QObject* help = nullptr;
+        for (QObject* child : item(QStringLiteral("toolbarButton"))->children())
+            if (child->inherits("QQuickToolTip"))
+                help = child;
+        ASSERT_TRUE(help && help->inherits("QQuickToolTip"));
+        help->setProperty("delay", 0);
+        help->setProperty("shown", true);
+        ASSERT_TRUE(UiHarness::waitFor([&] { return help->property("opened").toBool(); }));
+        EXPECT_GE(contrast(colourOf(help, "contentItem"), colourOf(help, "background"), window), 4.5);
+        help->setProperty("shown", false);
     }
     QGuiApplication::setPalette(original);
 }

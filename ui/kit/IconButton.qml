@@ -30,7 +30,8 @@ AbstractButton {
         }
     }
 
-    ToolTip.visible: hovered && toolTip !== ""
-    ToolTip.text: toolTip
-    ToolTip.delay: 600
+    HelpTip {
+        shown: parent.hovered && parent.toolTip !== ""
+        text: parent.toolTip
+    }
 }

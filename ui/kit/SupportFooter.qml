@@ -71,7 +71,8 @@ AbstractButton {
     onHoveredChanged: if (!Theme.reduceMotion) bounce.restart()
     onClicked: Platform.openUrl(link)
 
-    ToolTip.visible: hovered
-    ToolTip.text: helpText
-    ToolTip.delay: 600
+    HelpTip {
+        shown: parent.hovered
+        text: parent.helpText
+    }
 }

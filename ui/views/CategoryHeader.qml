@@ -123,9 +123,10 @@ Item {
                     HoverHandler {
                         id: detailHover
                     }
-                    ToolTip.visible: detailHover.hovered
-                    ToolTip.text: text
-                    ToolTip.delay: 600
+                    HelpTip {
+                        shown: detailHover.hovered
+                        text: parent.text
+                    }
                 }
             }
 
@@ -167,9 +168,10 @@ Item {
                 visible: root.count >= 1
                 iconOnly: root.foldLevel >= 2
                 Layout.minimumWidth: implicitWidth
-                ToolTip.visible: iconOnly && hovered
-                ToolTip.text: text
-                ToolTip.delay: 600
+                HelpTip {
+                    shown: parent.iconOnly && parent.hovered
+                    text: parent.text
+                }
                 text: root.allSelected ? qsTr("Deselect All") : qsTr("Select All")
                 symbol: root.allSelected ? "circle" : "checkmark.circle"
                 onClicked: AppModel.setAll(root.categoryId, !root.allSelected)
@@ -223,9 +225,10 @@ Item {
                 Layout.minimumWidth: implicitWidth
                 opacity: shown ? 1 : 0
                 visible: opacity > 0
-                ToolTip.visible: hovered
-                ToolTip.text: qsTr("Clean only the checked items in this category")
-                ToolTip.delay: 600
+                HelpTip {
+                    shown: parent.hovered
+                    text: qsTr("Clean only the checked items in this category")
+                }
                 onClicked: AppModel.requestClean(root.categoryId)
 
                 Behavior on opacity {

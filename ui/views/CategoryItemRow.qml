@@ -120,9 +120,11 @@ Item {
             HoverHandler {
                 id: nameHover
             }
-            ToolTip.visible: nameHover.hovered && help !== ""
-            ToolTip.text: help
-            ToolTip.delay: 800
+            HelpTip {
+                shown: nameHover.hovered && parent.help !== ""
+                text: parent.help
+                delay: 800
+            }
 
             RowLayout {
                 anchors.fill: parent

@@ -66,9 +66,11 @@ Column {
                     HoverHandler {
                         id: hover
                     }
-                    ToolTip.visible: hover.hovered
-                    ToolTip.text: toolTipText
-                    ToolTip.delay: 300
+                    HelpTip {
+                        shown: hover.hovered
+                        text: parent.toolTipText
+                        delay: 300
+                    }
                 }
             }
         }

@@ -133,9 +133,10 @@ Item {
                     text: root.scanning ? qsTr("Stop Scan") : AppModel.hasLastScan ? qsTr("Rescan") : qsTr("Scan")
                     symbol: root.scanning ? "stop.fill" : "arrow.clockwise"
                     enabled: !root.cleaning
-                    ToolTip.text: helpText
-                    ToolTip.visible: hovered
-                    ToolTip.delay: 600
+                    HelpTip {
+                        shown: parent.hovered
+                        text: parent.helpText
+                    }
                     onClicked: root.scanning ? AppModel.cancelScan() : AppModel.scan()
                 }
             }

@@ -143,9 +143,10 @@ Item {
                     objectName: "selectRecommendedButton"
                     text: qsTr("Select Recommended")
                     symbol: "wand.and.sparkles"
-                    ToolTip.text: qsTr("Select every item in the categories marked Safe")
-                    ToolTip.visible: hovered
-                    ToolTip.delay: 600
+                    HelpTip {
+                        shown: parent.hovered
+                        text: qsTr("Select every item in the categories marked Safe")
+                    }
                     onClicked: AppModel.selectRecommended()
                 }
             }

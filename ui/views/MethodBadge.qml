@@ -61,7 +61,8 @@ Item {
         id: hover
     }
 
-    ToolTip.visible: hover.hovered && help !== ""
-    ToolTip.text: help
-    ToolTip.delay: 600
+    HelpTip {
+        shown: hover.hovered && parent.help !== ""
+        text: parent.help
+    }
 }

@@ -44,7 +44,8 @@ AbstractButton {
 
     onClicked: toggle()
 
-    ToolTip.visible: hovered
-    ToolTip.text: toolTipText
-    ToolTip.delay: 600
+    HelpTip {
+        shown: parent.hovered
+        text: parent.toolTipText
+    }
 }

@@ -191,7 +191,9 @@ Item {
         onTapped: row.contextMenuRequested()
     }
 
-    ToolTip.text: row.toolTip
-    ToolTip.visible: hover.hovered && row.toolTip !== ""
-    ToolTip.delay: 800
+    HelpTip {
+        shown: hover.hovered && row.toolTip !== ""
+        text: row.toolTip
+        delay: 800
+    }
 }
