@@ -294,11 +294,13 @@ TEST_F(WindowGeometry, ChosenValueAndHelpReadInLightAndDark) {
         QMetaObject::invokeMethod(popup, "close");
 
         // The help of a button, in the same look.
+        QQuickItem* button = item(QStringLiteral("toolbarButton"));
+        ASSERT_NE(button, nullptr);
         QObject* help = nullptr;
-        for (QObject* child : item(QStringLiteral("toolbarButton"))->children())
+        for (QObject* child : button->children())
             if (child->inherits("QQuickToolTip"))
                 help = child;
-        ASSERT_TRUE(help && help->inherits("QQuickToolTip"));
+        ASSERT_NE(help, nullptr);
         help->setProperty("delay", 0);
         help->setProperty("shown", true);
         ASSERT_TRUE(UiHarness::waitFor([&] { return help->property("opened").toBool(); }));
