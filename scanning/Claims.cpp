@@ -5,7 +5,7 @@
 bool Claims::isCovered(std::string_view path) const {
     std::string current(path);
     while (true) {
-        if (set_.contains(current))
+        if (contains(current))
             return true;
         std::string parent = Paths::parentFolder(current);
         if (parent.empty() || parent == current)
@@ -18,10 +18,8 @@ bool Claims::hasClaimedDescendant(std::string_view path) const {
     std::string prefix(path);
     if (prefix.empty() || prefix.back() != '/')
         prefix.push_back('/');
-    for (const std::string& claimed : set_)
-        if (claimed.starts_with(prefix))
-            return true;
-    return false;
+    const auto first = set_.lower_bound(prefix);
+    return first != set_.end() && first->starts_with(prefix);
 }
 
 void Claims::insert(std::string path) { set_.insert(std::move(path)); }

@@ -216,7 +216,7 @@ private:
         if (static_cast<int64_t>(st.st_blocks) * 512 < shared_.threshold)
             return;
         // The folders above were checked on the way down; only the file itself is left.
-        if (shared_.claims.set().contains(path_))
+        if (shared_.claims.contains(path_))
             return;
         task_->pieces.emplace_back(LargeFile{path_, dateOf(st.st_mtim), std::nullopt});
     }
@@ -230,7 +230,7 @@ private:
         // down (a bind mount can make a tree contain itself). A claimed folder holds
         // nothing that could be reported.
         if (!S_ISDIR(st.st_mode) || st.st_dev != task_->device || isOnChain(st.st_ino) ||
-            shared_.claims.set().contains(path_))
+            shared_.claims.contains(path_))
             return;
         const int fd = ::openat(parentFd, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
         if (fd < 0)
