@@ -291,6 +291,8 @@ private:
     struct Worker;
 
     template <class T> void change(Changes& changes, T& field, T value, Signal signal);
+    // For a field changed in place (too large to copy for a comparison).
+    void announce(Changes& changes, Signal signal);
 
     void handle(uint64_t scan, const ScanEvent& event);
     void finishScan(uint64_t scan, ScanItems found, const ItemIDs& keeping);

@@ -37,6 +37,10 @@ template <class T> void AppModel::change(Changes& changes, T& field, T value, Si
     if (field == value)
         return;
     field = std::move(value);
+    announce(changes, signal);
+}
+
+inline void AppModel::announce(Changes& changes, Signal signal) {
     changes.add(signal);
     // The summary signals go last, once per step however many of their fields moved.
     if (signal == &AppModel::itemsChanged || signal == &AppModel::selectionChanged)

@@ -74,15 +74,16 @@ void AppModel::handle(uint64_t scanID, const ScanEvent& event) {
         states[started->id] = CategoryScanState::scanning;
         change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
     } else if (const auto* finished = std::get_if<ScanEvent::CategoryFinished>(&event.value)) {
-        ScanItems all = items_;
-        all.insert(all.end(), finished->items.begin(), finished->items.end());
-        change(changes, items_, std::move(all), &AppModel::itemsChanged);
-        ItemsByCategory grouped = itemsByCategory_;
-        if (finished->items.empty())
-            grouped.erase(finished->id);
-        else
-            grouped[finished->id] = ScanResults::sortedForDisplay(finished->items);
-        change(changes, itemsByCategory_, std::move(grouped), &AppModel::itemsByCategoryChanged);
+        // In place: copying everything found so far at each category would cost the
+        // item count times the category count.
+        if (!finished->items.empty()) {
+            items_.insert(items_.end(), finished->items.begin(), finished->items.end());
+            announce(changes, &AppModel::itemsChanged);
+            itemsByCategory_[finished->id] = ScanResults::sortedForDisplay(finished->items);
+            announce(changes, &AppModel::itemsByCategoryChanged);
+        } else if (itemsByCategory_.erase(finished->id)) {
+            announce(changes, &AppModel::itemsByCategoryChanged);
+        }
         CategoryStates states = categoryState_;
         states[finished->id] = CategoryScanState::done;
         change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
