@@ -5,15 +5,16 @@
 #include "app/ScanSettings.h"
 
 #include <QCommandLineParser>
-#include <QJsonDocument>
 #include <QTextStream>
 
 #include <cstdio>
 
 int runScanCommand(const QStringList& arguments) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Scans for reclaimable space and prints what was found."));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Print one JSON object instead of a report."));
+    parser.setApplicationDescription(
+        QStringLiteral("Scans for reclaimable space and prints what was found."));
+    const QCommandLineOption json(QStringLiteral("json"),
+                                  QStringLiteral("Print one JSON object instead of a report."));
     parser.addOption(json);
     parser.addOption(ScanSettings::thresholdOption());
     parser.addOption(ScanSettings::addRootOption());
@@ -26,7 +27,8 @@ int runScanCommand(const QStringList& arguments) {
         return 0;
     }
     if (parser.positionalArguments().size() > 1)
-        return usageError(QStringLiteral("scan: unexpected argument '%1'").arg(parser.positionalArguments().at(1)));
+        return usageError(
+            QStringLiteral("scan: unexpected argument '%1'").arg(parser.positionalArguments().at(1)));
     ScanSettings settings;
     if (const auto error = ScanSettings::read(parser, settings))
         return usageError(*error);
@@ -35,11 +37,13 @@ int runScanCommand(const QStringList& arguments) {
     settings.applyTo(model);
     HeadlessRun::scan(model, HeadlessRun::isTerminal(fileno(stderr)));
 
+    if (parser.isSet(json)) {
+        ScanReport::writeJson(model, stdout);
+        std::fflush(stdout);
+        return 0;
+    }
     QTextStream out(stdout);
-    if (parser.isSet(json))
-        out << QJsonDocument(ScanReport::json(model)).toJson(QJsonDocument::Compact) << '\n';
-    else
-        out << ScanReport::text(model);
+    out << ScanReport::text(model);
     out.flush();
     return 0;
 }

@@ -7,6 +7,7 @@
 #include "platform/Text.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QTextStream>
 
 #include <algorithm>
@@ -50,11 +51,13 @@ QJsonObject itemJson(const ScanItem& item) {
     return object;
 }
 
-QJsonObject json(const AppModel& model) {
-    QJsonObject root;
-    root.insert("disk", QJsonObject{{"total", model.diskTotal()}, {"available", model.diskAvailable()}});
-    root.insert("hasFullDiskAccess", model.hasFullDiskAccess());
-    QJsonArray categories;
+void writeJson(const AppModel& model, FILE* out) {
+    auto put = [out](const QByteArray& bytes) { std::fwrite(bytes.constData(), 1, bytes.size(), out); };
+    auto compact = [](const QJsonObject& object) {
+        return QJsonDocument(object).toJson(QJsonDocument::Compact);
+    };
+    put("{\"categories\":[");
+    bool firstCategory = true;
     for (const CleanCategory& category : model.categories()) {
         const QString id = QString::fromStdString(category.id);
         QJsonObject entry;
@@ -64,16 +67,34 @@ QJsonObject json(const AppModel& model) {
         entry.insert("risk", QString::fromUtf8(Risks::name(category.risk)));
         entry.insert("selectedByDefault", category.selectedByDefault);
         entry.insert("totalSize", model.totalSize(id));
-        QJsonArray items;
+        entry.insert("items", QJsonArray());
+        // Inside a JSON string every quote is escaped, so the bare key below is the
+        // one place the empty list stands.
+        const QByteArray shell = compact(entry);
+        const QByteArray emptyItems = "\"items\":[]";
+        const qsizetype at = shell.indexOf(emptyItems) + emptyItems.size() - 1;
+        if (!firstCategory)
+            put(",");
+        firstCategory = false;
+        put(shell.left(at));
         if (const auto found = model.itemsByCategory().find(category.id);
-            found != model.itemsByCategory().end())
-            for (const ScanItem& item : found->second)
-                items.append(itemJson(item));
-        entry.insert("items", items);
-        categories.append(entry);
+            found != model.itemsByCategory().end()) {
+            bool firstItem = true;
+            for (const ScanItem& item : found->second) {
+                if (!firstItem)
+                    put(",");
+                firstItem = false;
+                put(compact(itemJson(item)));
+            }
+        }
+        put(shell.mid(at));
     }
-    root.insert("categories", categories);
-    return root;
+    put("],");
+    const QJsonObject rest{
+        {"disk", QJsonObject{{"total", model.diskTotal()}, {"available", model.diskAvailable()}}},
+        {"hasFullDiskAccess", model.hasFullDiskAccess()}};
+    put(compact(rest).mid(1));
+    put("\n");
 }
 
 QString text(const AppModel& model, int largestCount) {
@@ -100,12 +121,21 @@ QString text(const AppModel& model, int largestCount) {
                    << "\n";
         }
     }
-    ScanItems largest = ScanResults::sortedForDisplay(model.items());
-    if (static_cast<int>(largest.size()) > largestCount)
-        largest.resize(static_cast<size_t>(largestCount));
-    if (!largest.empty()) {
+    // Only the first few are printed: pick them without copying or sorting every item.
+    // Ties keep the model's order, as the sorted list shows them.
+    const ScanItems& all = model.items();
+    std::vector<size_t> order(all.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    const auto shown = order.begin() + std::min<ptrdiff_t>(std::max(largestCount, 0), std::ssize(order));
+    std::partial_sort(order.begin(), shown, order.end(), [&all](size_t a, size_t b) {
+        return std::pair(-all[a].sortSize(), a) < std::pair(-all[b].sortSize(), b);
+    });
+    order.erase(shown, order.end());
+    if (!order.empty()) {
         stream << "\n" << QString::fromStdString(localized("Largest Items")) << "\n";
-        for (const ScanItem& item : largest) {
+        for (const size_t index : order) {
+            const ScanItem& item = all[index];
             const QString size = item.size ? sizeText(*item.size) : QStringLiteral("—");
             const QString where = shownText(item.url ? Paths::abbreviatingHome(*item.url) : item.location());
             const auto category = model.category(QString::fromStdString(item.categoryID));

@@ -7,15 +7,19 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <cstdio>
+
 namespace ScanReport {
 
-// Every category in display order with its items in the model's order; printed
-// by `veltro scan --json` as one line:
+// Every category in display order with its items in the model's order, written to
+// `out` by `veltro scan --json` as one line:
 //   {"disk": {"total", "available"}, "hasFullDiskAccess",
 //    "categories": [{"id", "group", "title", "risk", "selectedByDefault", "totalSize",
 //                    "items": [item, ...]}, ...]}
 // Sizes are bytes allocated on disk; items run largest first, unknown sizes last.
-QJsonObject json(const AppModel& model);
+// The object is written piece by piece (keys in QJsonDocument's order), so a scan
+// with many items never holds the whole document, or a copy of it, in memory.
+void writeJson(const AppModel& model, FILE* out);
 
 // One item: {"id" (the exact id, or for one that is not UTF-8 U+0001 and the base64 of
 // its bytes, which `clean --item` accepts too), "name", "path" (null for a command), "size" (null when

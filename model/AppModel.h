@@ -63,7 +63,8 @@ public:
     Q_PROPERTY(ScanItems items READ items NOTIFY itemsChanged)
     Q_PROPERTY(ItemsByCategory itemsByCategory READ itemsByCategory NOTIFY itemsByCategoryChanged)
     Q_PROPERTY(ItemIDs selection READ selection NOTIFY selectionChanged)
-    Q_PROPERTY(double largeThresholdGB READ largeThresholdGB WRITE setLargeThresholdGB NOTIFY largeThresholdGBChanged)
+    Q_PROPERTY(double largeThresholdGB READ largeThresholdGB WRITE setLargeThresholdGB NOTIFY
+                   largeThresholdGBChanged)
     Q_PROPERTY(RootList extraRoots READ extraRoots NOTIFY extraRootsChanged)
     Q_PROPERTY(DiskInfo disk READ disk NOTIFY diskChanged)
     Q_PROPERTY(bool hasFullDiskAccess READ hasFullDiskAccess NOTIFY hasFullDiskAccessChanged)
@@ -82,7 +83,8 @@ public:
     Q_PROPERTY(bool systemAnalyzing READ systemAnalyzing NOTIFY systemAnalyzingChanged)
     Q_PROPERTY(QString systemMessage READ systemMessage NOTIFY systemMessageChanged)
     Q_PROPERTY(QString systemRunningEntry READ systemRunningEntry NOTIFY systemRunningEntryChanged)
-    Q_PROPERTY(bool systemSnapshotsMeasured READ systemSnapshotsMeasured NOTIFY systemSnapshotsMeasuredChanged)
+    Q_PROPERTY(
+        bool systemSnapshotsMeasured READ systemSnapshotsMeasured NOTIFY systemSnapshotsMeasuredChanged)
 
     // Values derived for the views.
     Q_PROPERTY(qint64 diskTotal READ diskTotal NOTIFY diskChanged)
@@ -339,9 +341,9 @@ private:
     QString systemRunningEntry_;
     bool systemSnapshotsMeasured_ = false;
 
-    uint64_t scanTask_ = 0;        // worker id of the running scan, 0 when none
-    uint64_t activeScan_ = 0;      // the scan whose events are applied, 0 when none
-    uint64_t activeAnalysis_ = 0;  // likewise for System Data deliveries
+    uint64_t scanTask_ = 0;       // worker id of the running scan, 0 when none
+    uint64_t activeScan_ = 0;     // the scan whose events are applied, 0 when none
+    uint64_t activeAnalysis_ = 0; // likewise for System Data deliveries
     uint64_t nextOperation_ = 1;
     bool purging_ = false;
     FolderChooser folderChooser_;

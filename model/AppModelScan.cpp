@@ -30,7 +30,8 @@ void AppModel::scan() {
 
     Changes changes(*this);
     change(changes, phase_, Phase::scanning, &AppModel::phaseChanged);
-    change(changes, statusText_, QString::fromStdString(localized("Starting scan…")), &AppModel::statusTextChanged);
+    change(changes, statusText_, QString::fromStdString(localized("Starting scan…")),
+           &AppModel::statusTextChanged);
     const ItemIDs keeping = selection_;
     change(changes, items_, ScanItems{}, &AppModel::itemsChanged);
     change(changes, itemsByCategory_, ItemsByCategory{}, &AppModel::itemsByCategoryChanged);
@@ -67,7 +68,8 @@ void AppModel::handle(uint64_t scanID, const ScanEvent& event) {
     if (const auto* status = std::get_if<ScanEvent::Status>(&event.value)) {
         change(changes, statusText_, QString::fromStdString(status->text), &AppModel::statusTextChanged);
     } else if (const auto* started = std::get_if<ScanEvent::CategoryStarted>(&event.value)) {
-        change(changes, scanningCategory_, QString::fromStdString(started->id), &AppModel::scanningCategoryChanged);
+        change(changes, scanningCategory_, QString::fromStdString(started->id),
+               &AppModel::scanningCategoryChanged);
         change(changes, scanStep_, started->step, &AppModel::scanStepChanged);
         change(changes, scanStepCount_, started->of, &AppModel::scanStepCountChanged);
         CategoryStates states = categoryState_;
@@ -88,7 +90,8 @@ void AppModel::handle(uint64_t scanID, const ScanEvent& event) {
         states[finished->id] = CategoryScanState::done;
         change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
     } else if (const auto* progress = std::get_if<ScanEvent::Progress>(&event.value)) {
-        change(changes, scanProgress_, std::max(scanProgress_, progress->value), &AppModel::scanProgressChanged);
+        change(changes, scanProgress_, std::max(scanProgress_, progress->value),
+               &AppModel::scanProgressChanged);
     }
 }
 
@@ -102,7 +105,8 @@ void AppModel::finishScan(uint64_t scanID, ScanItems found, const ItemIDs& keepi
     for (const ScanItem& item : found)
         if (keeping.contains(item.id))
             kept.insert(item.id);
-    change(changes, itemsByCategory_, ScanResults::groupedByCategory(found), &AppModel::itemsByCategoryChanged);
+    change(changes, itemsByCategory_, ScanResults::groupedByCategory(found),
+           &AppModel::itemsByCategoryChanged);
     change(changes, items_, std::move(found), &AppModel::itemsChanged);
     CategoryStates states = categoryState_;
     for (const CleanCategory& category : categories())

@@ -22,4 +22,6 @@ bool Claims::hasClaimedDescendant(std::string_view path) const {
     return first != set_.end() && first->starts_with(prefix);
 }
 
-void Claims::insert(std::string path) { set_.insert(std::move(path)); }
+void Claims::insert(std::string path) {
+    set_.insert(std::move(path));
+}

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
-#include <set>
 
 // The canonical paths already given to some category during one scan. Kept sorted,
 // so that everything below a folder is one contiguous run starting at "folder/":
