@@ -7,8 +7,8 @@
 namespace Trash {
 
 struct MoveResult {
-    int error = 0;         // 0, or the errno that stopped the move (EACCES/EPERM: a permission error)
-    std::string location;  // the new path when error == 0
+    int error = 0;        // 0, or the errno that stopped the move (EACCES/EPERM: a permission error)
+    std::string location; // the new path when error == 0
 };
 
 // The Trash folder for an item at `path` (created 0700 when missing).
