@@ -37,7 +37,8 @@ CleanResult clean(const std::vector<ScanItem>& items, const Progress& progress =
 // or "/.Trashes/". Blocking.
 PurgeResult purge(const std::vector<std::string>& paths);
 
-// The administrator batch over the work list; adds to `result` in place.
+// The administrator batch over the work list, done by veltro-helper as root; adds to
+// `result` in place.
 void runPrivileged(const std::vector<PrivilegedWork>& work, CleanResult& result);
 
 // The safety check shared by the pass and the batch: protected, or fewer than 4

@@ -40,8 +40,7 @@ std::vector<std::string> progressFilesLeft() {
 }
 
 // The progress file's path as the script names it (the PROG= line, still quoted).
-std::string progressAssignment(const std::string& scriptPath) {
-    const std::string script = readFile(scriptPath);
+std::string progressAssignment(const std::string& script) {
     const size_t start = script.find("\nPROG=") + 1;
     return script.substr(start, script.find('\n', start) - start);
 }
@@ -108,10 +107,10 @@ TEST(SystemDataAnalysis, DeliversProgressWhileRunningAndEachIdOnce) {
     double timeout = 0;
     bool startedEmpty = false;
     Clock::time_point runEnded;
-    ScopedAuthorizationTool tool([&](const std::string& scriptPath, const std::string& p, double t) {
-        prompt = p;
-        timeout = t;
-        const std::string assignment = progressAssignment(scriptPath);
+    ScopedAuthorizationTool tool([&](const Privileged::Launch& launch) {
+        prompt = launch.request.prompt;
+        timeout = launch.request.timeout;
+        const std::string assignment = progressAssignment(scriptOf(launch.request));
         const Shell::Output probe = Shell::run(assignment + "; test -f \"$PROG\" && ! test -s \"$PROG\"", 10);
         startedEmpty = probe.status == 0;
         Shell::Output out =
