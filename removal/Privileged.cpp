@@ -97,7 +97,7 @@ std::string helperPath() {
     {
         std::lock_guard guard(settings().lock);
         if (!settings().helperPath.empty())
-            return settings().helperPath;
+            return isExecutableFile(settings().helperPath) ? settings().helperPath : std::string();
     }
     // Beside the executable in a build tree; below the prefix's libexec folder once
     // installed (<prefix>/bin/veltro and <prefix>/libexec/veltro/veltro-helper).

@@ -19,6 +19,7 @@ void CleanerHomeTest::SetUp() {
     // Every test starts with an empty Trash, so dated batch folders of earlier tests
     // in the same second cannot mix with its own.
     removeTreeForcefully(home.path(".Trash"));
+    removeTreeForcefully(home.path(".local/share/Trash"));
 }
 
 void CleanerHomeTest::TearDown() {
