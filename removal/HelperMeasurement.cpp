@@ -53,10 +53,10 @@ void run(const std::vector<WorkList::MeasuredEntry>& entries, int outFd) {
             return;
         std::string value;
         if (!entry.countCommand.empty()) {
-            value =
-                Text::trimmed(HelperTool::runShell(entry.countCommand, HelperTool::Output::capture).output);
             // One answer line per entry, whatever the command printed.
-            value = value.substr(0, value.find_first_of("\r\n"));
+            const std::string printed =
+                Text::trimmed(HelperTool::runShell(entry.countCommand, HelperTool::Output::capture).output);
+            value = Text::trimmed(printed.substr(0, printed.find_first_of("\r\n")));
         } else {
             std::vector<std::string> argv{du, "-skx", "--"};
             argv.insert(argv.end(), entry.folders.begin(), entry.folders.end());

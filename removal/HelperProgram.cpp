@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -21,35 +20,35 @@ namespace HelperProgram {
 namespace {
 
 constexpr int refused = 2;
-// Far more than any clean's list; a larger input is not ours.
-constexpr size_t maxListBytes = size_t{64} << 20;
 
 int refuse(const std::string& reason) {
     std::fprintf(stderr, "veltro-helper: %s\n", reason.c_str());
     return refused;
 }
 
-// Reads standard input until `accepts` takes what came (a list ends with "end", and
-// only the decoder knows whether that "end" closes it).
-bool readList(const std::function<bool(std::string_view)>& accepts) {
+// Reads standard input until the whole list has come; it must then decode.
+template <typename Decoded>
+std::optional<Decoded> readList(std::optional<Decoded> (*decode)(std::string_view)) {
     std::string bytes;
     char buffer[65536];
-    while (bytes.size() <= maxListBytes) {
+    for (;;) {
+        bool malformed = false;
+        if (const auto list = WorkList::unframed(bytes, malformed))
+            return decode(*list);
+        if (malformed)
+            return std::nullopt;
         const ssize_t n = ::read(STDIN_FILENO, buffer, sizeof buffer);
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
-            return false;
+            return std::nullopt;
         bytes.append(buffer, static_cast<size_t>(n));
-        if (WorkList::mayBeComplete(bytes) && accepts(bytes))
-            return true;
     }
-    return false;
 }
 
 int clean() {
-    std::optional<WorkList::Batch> batch;
-    if (!readList([&](std::string_view bytes) { return (batch = WorkList::decodeBatch(bytes)).has_value(); }))
+    const std::optional<WorkList::Batch> batch = readList(&WorkList::decodeBatch);
+    if (!batch)
         return refuse("incomplete or malformed work list");
     HelperStop::watchInput(STDIN_FILENO);
     InvokingUser user;
@@ -65,10 +64,8 @@ int clean() {
 }
 
 int measure() {
-    std::optional<std::vector<WorkList::MeasuredEntry>> entries;
-    if (!readList([&](std::string_view bytes) {
-            return (entries = WorkList::decodeMeasurement(bytes)).has_value();
-        }))
+    const auto entries = readList(&WorkList::decodeMeasurement);
+    if (!entries)
         return refuse("incomplete or malformed work list");
     HelperStop::watchInput(STDIN_FILENO);
     HelperMeasurement::run(*entries, STDOUT_FILENO);
@@ -76,8 +73,8 @@ int measure() {
 }
 
 int runShell() {
-    std::optional<std::string> text;
-    if (!readList([&](std::string_view bytes) { return (text = WorkList::decodeRun(bytes)).has_value(); }))
+    const std::optional<std::string> text = readList(&WorkList::decodeRun);
+    if (!text)
         return refuse("incomplete or malformed work list");
     HelperStop::watchInput(STDIN_FILENO);
     const HelperTool::Result result = HelperTool::runShell(*text, HelperTool::Output::inherit);

@@ -7,6 +7,7 @@
 #include "platform/Localized.h"
 #include "removal/ChildProcess.h"
 #include "removal/Privileged.h"
+#include "removal/WorkList.h"
 
 #include <algorithm>
 #include <atomic>
@@ -142,7 +143,7 @@ Shell::Output runProcess(const std::vector<std::string>& command, const Launch& 
     const Clock::time_point deadline =
         start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(limit));
 
-    const std::string& input = launch.request.workList;
+    const std::string input = WorkList::framed(launch.request.workList);
     size_t written = 0;
     std::string outputBytes, errorBytes, pending;
     bool stopping = false;

@@ -1,15 +1,15 @@
 #include "removal/WorkList.h"
 
 #include <charconv>
-#include <limits>
 
 namespace WorkList {
 
 namespace {
 
 constexpr std::string_view endField = "end";
-// More entries than any catalogue has; a larger count is not ours.
+// More folders than any entry has, and far more bytes than any clean's list.
 constexpr size_t maxFolders = 4096;
+constexpr size_t maxListBytes = size_t{64} << 20;
 
 void add(std::string& out, std::string_view field) {
     out.append(field);
@@ -92,8 +92,29 @@ bool isValidKey(std::string_view key) {
     return true;
 }
 
-bool mayBeComplete(std::string_view bytes) {
-    return bytes == "end" + std::string(1, '\0') || bytes.ends_with(std::string("\0end\0", 5));
+std::string framed(std::string_view list) {
+    std::string out;
+    addNumber(out, list.size());
+    out.append(list);
+    return out;
+}
+
+std::optional<std::string_view> unframed(std::string_view bytes, bool& malformed) {
+    malformed = false;
+    const size_t end = bytes.find('\0');
+    if (end == std::string_view::npos) {
+        malformed = bytes.size() > 20;
+        return std::nullopt;
+    }
+    size_t length = 0;
+    const auto [rest, error] = std::from_chars(bytes.data(), bytes.data() + end, length);
+    if (end == 0 || error != std::errc() || rest != bytes.data() + end || length > maxListBytes) {
+        malformed = true;
+        return std::nullopt;
+    }
+    if (bytes.size() - end - 1 < length)
+        return std::nullopt;
+    return bytes.substr(end + 1, length);
 }
 
 std::string encode(const Batch& batch) {

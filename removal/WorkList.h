@@ -1,8 +1,8 @@
 #pragma once
 // What the user process asks veltro-helper to do, written to the helper's standard
-// input: fields of raw bytes, each ended by a NUL byte, never read by a shell. A list
-// ends with the field "end"; the helper then keeps its input open only to learn that
-// the user process stopped it or went away (end of file).
+// input: fields of raw bytes, each ended by a NUL byte, never read by a shell, the
+// last one "end". The helper then keeps its input open only to learn that the user
+// process stopped it or went away (end of file).
 //
 // clean:   "user" uid gid, "home" path, "tmp" path, "trash" path, "time" seconds,
 //          then per step "move"|"delete"|"command" key payload, then "end".
@@ -62,9 +62,13 @@ std::optional<Batch> decodeBatch(std::string_view bytes);
 std::optional<std::vector<MeasuredEntry>> decodeMeasurement(std::string_view bytes);
 std::optional<std::string> decodeRun(std::string_view bytes);
 
-// Whether `bytes` may hold a complete list: it ends with the "end" field. (A path
-// that is itself "end" can look the same; the decoder tells.)
-bool mayBeComplete(std::string_view bytes);
+// On the helper's standard input a list comes after its length in decimal and a NUL
+// byte, so the helper knows it has all of it while its input stays open.
+std::string framed(std::string_view list);
+
+// The list inside `bytes` once all of it has arrived; nothing while more must come,
+// or, with `malformed` set, when the length is not a number or too large.
+std::optional<std::string_view> unframed(std::string_view bytes, bool& malformed);
 
 // Answer keys are short and plain, so an answer line cannot be forged by one.
 bool isValidKey(std::string_view key);
