@@ -127,6 +127,11 @@ Shell::Output run(const std::string& script, const std::string& prompt, double t
     return runHelper({WorkList::runMode, WorkList::encodeRun(script), prompt, timeout});
 }
 
+Shell::Output measure(const std::vector<WorkList::MeasuredEntry>& entries, const std::string& prompt,
+                      double timeout, const LineCallback& onLine) {
+    return runHelper({WorkList::measureMode, WorkList::encode(entries), prompt, timeout}, onLine);
+}
+
 std::string appleScript(const std::string& scriptPath, const std::string& prompt) {
     return "do shell script \"/bin/sh \" & quoted form of \"" + scriptPath + "\" with prompt \"" +
            replacingDoubleQuotes(prompt) + "\" with administrator privileges";

@@ -5,6 +5,7 @@
 // and answers on its standard output. No shell script is ever run as root.
 
 #include "removal/Shell.h"
+#include "removal/WorkList.h"
 
 #include <functional>
 #include <string>
@@ -70,10 +71,23 @@ std::string helperPath();
 // found, or a process that is quitting (endAll), gives status -1 and the reason.
 Shell::Output runHelper(const Request& request, const LineCallback& onLine = {});
 
-// A shell script run as the administrator (the helper's run mode: /bin/sh -c with the
-// script's text), for callers that still speak in scripts. Its output is the
-// script's own.
+// A shell script (or an action's shell text) run as the administrator: the helper's
+// run mode, /bin/sh -c with the text, never a file. status, standardOutput and
+// standardError are the shell's, except a dismissed dialog ("-128" in standardError)
+// and a helper that could not start (-1).
 Shell::Output run(const std::string& script, const std::string& prompt, double timeout);
+
+// The System Data measurement as the administrator. For each entry, in order, the
+// helper writes one line "id|value" (value: the KiB that `du -skx` gives for the
+// entry's folders, summed, a missing or unreadable folder adding nothing; or, for an
+// entry with a countCommand, that command's trimmed first line of output), and
+// `onLine` receives it (without the line feed) on the calling thread as soon as that
+// entry is measured. At the end standardOutput holds all the lines; status 0 means
+// the helper ran (whatever it measured); otherwise the run did not happen or was
+// ended: "-128" in standardError for a dismissed dialog. Blocking; endAll or the time
+// limit ends it early, with the lines delivered so far.
+Shell::Output measure(const std::vector<WorkList::MeasuredEntry>& entries, const std::string& prompt,
+                      double timeout, const LineCallback& onLine);
 
 // For quitting: tells every helper run of this process to stop (it stops at the next
 // safe point between items and ends what it started), waits until each has ended,

@@ -76,11 +76,10 @@ TEST_F(HelperRunTest, MeasurementLinesArriveAsEachEntryIsMeasured) {
 
     const ScopedAuthorizationTool tool(runScriptAsCurrentUser);
     std::vector<std::string> lines;
-    const Shell::Output output = Privileged::runHelper(
-        {WorkList::measureMode, WorkList::encode(entries), "Prompt", 120}, [&](std::string_view line) {
-            lines.emplace_back(line);
-            home.tree().makeFile(marker.substr(home.tree().root().size() + 1));
-        });
+    const Shell::Output output = Privileged::measure(entries, "Prompt", 120, [&](std::string_view line) {
+        lines.emplace_back(line);
+        home.tree().makeFile(marker.substr(home.tree().root().size() + 1));
+    });
 
     const std::vector<std::string> expected = {"plain|" + std::to_string(duKibibytes({plain})), "tm|7",
                                                "quoted|" + std::to_string(duKibibytes({quoted})), "gone|0"};
