@@ -7,6 +7,7 @@
 #include "removal/Cleaner.h"
 #include "removal/Privileged.h"
 #include "removal/WorkList.h"
+#include "support/DeepTree.h"
 #include "support/ForkedChild.h"
 #include "support/Unprivileged.h"
 
@@ -14,6 +15,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <ftw.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -265,6 +267,9 @@ TEST_F(AdminBatchTest, MovedItemsAndNewTrashFoldersBelongToTheUser) {
         GTEST_SKIP() << "needs root to act as the administrator for another user";
     const std::string file = areaFile("owned/deeper/file", "o");
     const std::string item = Paths::parentFolder(Paths::parentFolder(file));
+    // Deeper than the descriptors the hand-over keeps open, with side trees to come
+    // back to: every level must still change owner.
+    ASSERT_EQ(buildDeepTree(item + "/deeper", 600), 0);
     const uid_t user = unprivilegedUid();
     const gid_t group = unprivilegedGid();
     removeTreeForcefully(home.path(".local"));
@@ -295,7 +300,12 @@ TEST_F(AdminBatchTest, MovedItemsAndNewTrashFoldersBelongToTheUser) {
             if (st.st_uid != user || st.st_gid != group)
                 return 13;
         }
-        return 0;
+        static uid_t expected;
+        expected = user;
+        const auto notTheUsers = [](const char*, const struct stat* st, int, FTW*) {
+            return st->st_uid == expected ? 0 : 1;
+        };
+        return ::nftw(dest.c_str(), notTheUsers, 64, FTW_PHYS) == 0 ? 0 : 14;
     });
     EXPECT_EQ(code, 0);
 }
