@@ -5,7 +5,6 @@
 #include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/Paths.h"
-#include "platform/SafeFs.h"
 #include "platform/Text.h"
 #include "platform/Trash.h"
 #include "removal/AdminBatchScript.h"
@@ -131,7 +130,7 @@ CleanResult clean(const std::vector<ScanItem>& items, const Progress& progress) 
         case RemovalMethod::Kind::permanent: {
             if (!path)
                 break;
-            const int error = SafeFs::removeItem(*path);
+            const int error = Trash::deleteForGood(*path);
             if (error == 0) {
                 result.succeeded.push_back(item);
                 result.deletedBytes += item.size.value_or(0);
@@ -238,15 +237,14 @@ PurgeResult purge(const std::vector<std::string>& paths) {
     const int64_t before = DiskInfo::current().available;
     for (const std::string& given : paths) {
         // Judged and acted on in standardized form, so neither "/.Trash/.." nor a
-        // trailing "/.Trash/" can pass the test while naming something else.
+        // trailing "/files/" can pass the test while naming something else.
         const std::string path = Paths::standardizedPath(given);
-        const bool inTrash =
-            path.find("/.Trash/") != std::string::npos || path.find("/.Trashes/") != std::string::npos;
-        if (!inTrash || path.find('\0') != std::string::npos || path.front() != '/') {
+        if (path.empty() || path.front() != '/' || path.find('\0') != std::string::npos ||
+            !Trash::isInsideTrash(path)) {
             ++result.failed;
             continue;
         }
-        if (SafeFs::removeItem(path) != 0)
+        if (Trash::deleteForGood(path) != 0)
             ++result.failed;
     }
     const int64_t after = DiskInfo::current().available;

@@ -2,18 +2,21 @@
 // in between the scan and the clean. Whatever happens to the chosen item, nothing
 // outside it may change.
 
+#include "platform/Paths.h"
 #include "platform/SafeFs.h"
 #include "platform/Trash.h"
 
 #include "support/FakeHome.h"
 #include "support/HostileNames.h"
 #include "support/PathQueries.h"
+#include "support/TrashRestore.h"
 #include "support/TreeSnapshot.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <unistd.h>
 
@@ -42,8 +45,10 @@ TreeSnapshot relativeTo(const TreeSnapshot& snapshot, const std::string& root) {
 
 } // namespace
 
-TEST(HostileTree, HostileNamesAreRemovedAndTrashedExactly) {
+// Trashed items come back whole, at their exact place, by the info file alone.
+TEST(HostileTree, HostileNamesAreRemovedTrashedAndRestoredExactly) {
     FakeHome home;
+    ::unsetenv("XDG_DATA_HOME");
     ASSERT_EQ(::chdir(home.tree().root().c_str()), 0);
     home.tree().makeFile("outside/kept.txt", "outside");
     for (const std::string& name : hostileNames()) {
@@ -51,22 +56,25 @@ TEST(HostileTree, HostileNamesAreRemovedAndTrashedExactly) {
         fillHostile(home, "trash/" + name);
         fillHostile(home, "keep/" + name);
     }
-    const TreeSnapshot before = snapshotTree(home.tree().root(), {home.path("remove"), home.path("trash")});
+    const std::string trash = home.path(".local");
+    const TreeSnapshot before = snapshotTree(home.tree().root(), {home.path("remove"), trash});
 
     for (const std::string& name : hostileNames()) {
         EXPECT_EQ(SafeFs::removeItem(home.path("remove/" + name)), 0) << name;
-        const TreeSnapshot original =
-            relativeTo(snapshotTree(home.path("trash/" + name)), home.path("trash/" + name));
+        const TreeSnapshot original = snapshotTree(home.path("trash/" + name));
         const Trash::MoveResult moved = Trash::moveToTrash(home.path("trash/" + name));
         ASSERT_EQ(moved.error, 0) << name;
-        EXPECT_EQ(moved.location, home.path(".Trash/" + name));
-        EXPECT_EQ(relativeTo(snapshotTree(moved.location), moved.location), original) << name;
+        EXPECT_EQ(Paths::parentFolder(moved.location), Trash::homeTrashFolder() + "/files");
+        EXPECT_FALSE(exists(home.path("trash/" + name)));
+        const Restored restored = restoreFromTrash(moved.location);
+        EXPECT_EQ(restored.original, home.path("trash/" + name)) << restored.problem;
+        EXPECT_EQ(snapshotTree(home.path("trash/" + name)), original) << name;
     }
-    TreeSnapshot after = snapshotTree(home.tree().root(), {home.path("remove"), home.path("trash")});
-    std::erase_if(after, [&](const auto& entry) { return entry.first.starts_with(home.path(".Trash")); });
-    EXPECT_EQ(describeDifferences(before, after), "");
+    EXPECT_EQ(describeDifferences(before, snapshotTree(home.tree().root(), {home.path("remove"), trash})),
+              "");
     EXPECT_TRUE(std::filesystem::is_empty(home.path("remove")));
-    EXPECT_TRUE(std::filesystem::is_empty(home.path("trash")));
+    EXPECT_TRUE(std::filesystem::is_empty(Trash::homeTrashFolder() + "/files"));
+    EXPECT_TRUE(std::filesystem::is_empty(Trash::homeTrashFolder() + "/info"));
     EXPECT_FALSE(exists(home.tree().path(kInjectionMarker)));
 }
 

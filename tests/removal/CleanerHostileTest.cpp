@@ -6,6 +6,7 @@
 #include "CleanerFixtures.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
+#include "platform/Trash.h"
 #include "support/DeepTree.h"
 #include "support/HostileNames.h"
 #include "support/TreeSnapshot.h"
@@ -30,7 +31,7 @@ protected:
     // items go to and the temporary folder that holds helper scripts.
     TreeSnapshot snapshotOutside(const std::vector<std::string>& items) const {
         std::set<std::string> excluded(items.begin(), items.end());
-        excluded.insert({home.home() + "/.Trash", home.tmp()});
+        excluded.insert({home.home() + "/.Trash", Trash::homeTrashFolder(), home.tmp()});
         return snapshotTree(home.tree().root(), excluded);
     }
 
