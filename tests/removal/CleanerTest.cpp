@@ -289,6 +289,8 @@ TEST_F(CleanerTest, ProgressNamesEachItemThenThePasswordWaitThenDone) {
 TEST_F(CleanerTest, PurgeDeletesOnlyInsideTrashFoldersWithTheirInfoFiles) {
     const std::string trash = Trash::homeTrashFolder().substr(home.home().size() + 1);
     const std::string mountTrash = "Volume/.Trash-" + std::to_string(::getuid());
+    const std::string othersTrash =
+        home.makeFile("Volume/.Trash-" + std::to_string(::getuid() + 1) + "/files/x");
     std::vector<std::string> trashed;
     for (const std::string& folder : {trash, mountTrash}) {
         trashed.push_back(home.makeFile(folder + "/files/old/inside", "old"));
@@ -311,14 +313,15 @@ TEST_F(CleanerTest, PurgeDeletesOnlyInsideTrashFoldersWithTheirInfoFiles) {
         home.path(trash + "/files/../info/keep.trashinfo"),
         home.path(trash + "/files/"),
         home.path(trash + "/files/absent"),
+        othersTrash,
     });
-    EXPECT_EQ(result.failed, 5);
+    EXPECT_EQ(result.failed, 6);
     EXPECT_GE(result.freed, 0);
     for (const std::string& gone :
          {Paths::parentFolder(trashed[0]), Paths::parentFolder(trashed[1]), inTrash, inTrashes,
           home.path(trash + "/info/old.trashinfo"), home.path(mountTrash + "/info/old.trashinfo")})
         EXPECT_FALSE(exists(gone)) << gone;
-    for (const std::string& kept : {outside, documents, trashKeep, infoKeep})
+    for (const std::string& kept : {outside, documents, trashKeep, infoKeep, othersTrash})
         EXPECT_TRUE(exists(kept)) << kept;
 }
 

@@ -13,7 +13,3 @@ struct Restored {
 // `trashed` is <trash>/files/<name>. A relative Path= is taken from the folder that
 // holds the trash (a mount's .Trash-<uid>). The info file is removed afterwards.
 Restored restoreFromTrash(const std::string& trashed);
-
-// The decoded Path= of an info file's text; empty, with `problem` said, when the text
-// is not exactly the three lines of an info file.
-std::string originalPathInInfo(const std::string& infoText, std::string& problem);
