@@ -4,7 +4,6 @@
 #include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/Paths.h"
-#include "platform/SafeFs.h"
 #include "platform/Text.h"
 #include "platform/Trash.h"
 #include "removal/AdminBatchScript.h"
@@ -49,14 +48,6 @@ std::string errorDescription(int error) {
 void report(const Progress& progress, double fraction, const std::string& text) {
     if (progress)
         progress(fraction, text);
-}
-
-// The desktop's home trash, which receives the batch's dated folder.
-std::string homeTrashFolder() {
-    const char* dataHome = std::getenv("XDG_DATA_HOME");
-    if (dataHome && dataHome[0] == '/')
-        return Paths::join(Paths::standardizedPath(dataHome), "Trash");
-    return Paths::join(Environment::homeFolder(), ".local/share/Trash");
 }
 
 // Now as the user's clock shows it, in seconds: the helper formats it as UTC, so the
@@ -147,7 +138,7 @@ CleanResult clean(const std::vector<ScanItem>& items, const Progress& progress) 
         case RemovalMethod::Kind::permanent: {
             if (!path)
                 break;
-            const int error = SafeFs::removeItem(*path);
+            const int error = Trash::deleteForGood(*path);
             if (error == 0) {
                 result.succeeded.push_back(item);
                 result.deletedBytes += item.size.value_or(0);
@@ -193,7 +184,7 @@ void runPrivileged(const std::vector<PrivilegedWork>& work, CleanResult& result)
     batch.gid = Environment::realGroupID();
     batch.home = Environment::homeFolder();
     batch.temporary = Environment::temporaryFolder();
-    batch.trash = homeTrashFolder();
+    batch.trash = Trash::homeTrashFolder();
     batch.localTime = localWallClockSeconds();
     batch.steps = AdminBatchScript::steps(work);
     const Shell::Output output = Privileged::runHelper(
@@ -244,15 +235,14 @@ PurgeResult purge(const std::vector<std::string>& paths) {
     const int64_t before = DiskInfo::current().available;
     for (const std::string& given : paths) {
         // Judged and acted on in standardized form, so neither "/.Trash/.." nor a
-        // trailing "/.Trash/" can pass the test while naming something else.
+        // trailing "/files/" can pass the test while naming something else.
         const std::string path = Paths::standardizedPath(given);
-        const bool inTrash =
-            path.find("/.Trash/") != std::string::npos || path.find("/.Trashes/") != std::string::npos;
-        if (!inTrash || path.find('\0') != std::string::npos || path.front() != '/') {
+        if (path.empty() || path.front() != '/' || path.find('\0') != std::string::npos ||
+            !Trash::isInsideTrash(path)) {
             ++result.failed;
             continue;
         }
-        if (SafeFs::removeItem(path) != 0)
+        if (Trash::deleteForGood(path) != 0)
             ++result.failed;
     }
     const int64_t after = DiskInfo::current().available;

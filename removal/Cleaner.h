@@ -33,8 +33,8 @@ struct PurgeResult {
 // The whole pass, blocking; run it off the interface thread.
 CleanResult clean(const std::vector<ScanItem>& items, const Progress& progress = {});
 
-// Deletes for good the given locations, each only when its path contains "/.Trash/"
-// or "/.Trashes/". Blocking.
+// Deletes for good the given locations, each only when it lies inside a trash folder
+// (Trash::isInsideTrash), with its info file. Blocking.
 PurgeResult purge(const std::vector<std::string>& paths);
 
 // The administrator batch over the work list, done by veltro-helper as root; adds to

@@ -3,13 +3,13 @@
 #include "platform/Paths.h"
 #include "platform/SafeFs.h"
 #include "platform/Text.h"
-#include "platform/Trash.h"
 #include "platform/TrashDatedFolder.h"
 #include "removal/HelperStop.h"
 #include "removal/HelperTool.h"
 #include "removal/OwnerHandover.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -82,10 +82,11 @@ int Batch::move(const std::string& path) {
     if (const int error = openDestination())
         return error;
     const int folder = destination_->folder.fd();
-    // Another process may take the free name between the look and the rename; the
-    // rename never replaces, so the next free name is tried.
-    for (int attempt = 0; attempt < 64; ++attempt) {
-        const std::string target = Trash::freeName(folder, name);
+    // The rename never replaces: a name that is taken (a dangling link too) moves on to
+    // "name 1", "name 2", ..., shortened where needed to stay a valid name.
+    for (unsigned number = 0; number < 10000; ++number) {
+        const std::string suffix = number == 0 ? std::string() : " " + std::to_string(number);
+        const std::string target = Text::prefixWithinBytes(name, NAME_MAX - suffix.size()) + suffix;
         if (::renameat2(parent.fd(), name.c_str(), folder, target.c_str(), RENAME_NOREPLACE) == 0) {
             moved_ = true;
             if (const int error = OwnerHandover::handOver(folder, target, user_.uid, user_.gid))

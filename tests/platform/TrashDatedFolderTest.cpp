@@ -51,56 +51,38 @@ struct UserHome {
 
 } // namespace
 
-TEST(TrashDatedFolder, TakesTheNextFreeNameAndBelongsToTheUser) {
+TEST(TrashDatedFolder, MakesTheTrashAndTakesTheNextFreeNameAllTheUsers) {
     UserHome user;
-    // A batch of the same second already ran and moved something.
-    user.tree.makeFile("home/.local/share/Trash/files/Veltro-20250114-093015/earlier", "earlier");
-    user.tree.makeFile("home/.local/share/Trash/info/Veltro-20250114-093015.trashinfo", "earlier info");
-    chownTree(user.home, user.owner, user.group);
-    const TreeSnapshot before = snapshotTree(user.tree.root());
-
-    Trash::DatedFolder dated = user.create();
-    ASSERT_EQ(dated.error, 0) << std::strerror(dated.error);
-    EXPECT_EQ(dated.name, "Veltro-20250114-093015 1");
-    EXPECT_EQ(dated.location, user.trash + "/files/Veltro-20250114-093015 1");
-    EXPECT_EQ(readFile(user.trash + "/info/Veltro-20250114-093015 1.trashinfo"),
-              "[Trash Info]\nPath=" + user.home +
-                  "/Veltro-20250114-093015%201\nDeletionDate=2025-01-14T09:30:15\n");
-    for (const std::string& made :
-         {dated.location, user.trash + "/info/Veltro-20250114-093015 1.trashinfo"}) {
-        const struct stat st = statOf(made);
+    const std::string stamp = "Veltro-20250114-093015";
+    Trash::DatedFolder first = user.create();
+    ASSERT_EQ(first.error, 0) << std::strerror(first.error);
+    ASSERT_EQ(::mkdirat(first.folder.fd(), "moved", 0700), 0);
+    // A second batch in the same second never shares the first one's folder.
+    Trash::DatedFolder second = user.create();
+    ASSERT_EQ(second.error, 0) << std::strerror(second.error);
+    EXPECT_EQ(first.location, user.trash + "/files/" + stamp);
+    EXPECT_EQ(second.name, stamp + " 1");
+    EXPECT_EQ(second.location, user.trash + "/files/" + stamp + " 1");
+    EXPECT_EQ(readFile(user.trash + "/info/" + stamp + " 1.trashinfo"),
+              "[Trash Info]\nPath=" + user.home + "/" + stamp + "%201\nDeletionDate=2025-01-14T09:30:15\n");
+    struct stat opened {};
+    ASSERT_EQ(::fstat(second.folder.fd(), &opened), 0);
+    EXPECT_EQ(opened.st_ino, statOf(second.location).st_ino);
+    for (const std::string& made : std::vector<std::string>{
+             "/.local", "/.local/share", "/.local/share/Trash", "/.local/share/Trash/files",
+             "/.local/share/Trash/info", "/.local/share/Trash/files/" + stamp + " 1",
+             "/.local/share/Trash/info/" + stamp + " 1.trashinfo"}) {
+        const struct stat st = statOf(user.home + made);
         EXPECT_EQ(st.st_uid, user.owner) << made;
         EXPECT_EQ(st.st_gid, user.group) << made;
         EXPECT_EQ(st.st_mode & 0077, 0u) << made;
     }
-    EXPECT_TRUE(S_ISDIR(statOf(dated.location).st_mode));
-    struct stat opened {};
-    ASSERT_EQ(::fstat(dated.folder.fd(), &opened), 0);
-    EXPECT_EQ(opened.st_ino, statOf(dated.location).st_ino);
 
-    // Something moved in keeps folder and info file; emptied again, both go.
-    ASSERT_EQ(::mkdirat(dated.folder.fd(), "moved", 0700), 0);
-    EXPECT_EQ(Trash::removeDatedFolderIfEmpty(dated), ENOTEMPTY);
-    EXPECT_TRUE(exists(user.trash + "/info/Veltro-20250114-093015 1.trashinfo"));
-    ASSERT_EQ(::rmdir((dated.location + "/moved").c_str()), 0);
-    EXPECT_EQ(Trash::removeDatedFolderIfEmpty(dated), 0);
-    EXPECT_EQ(describeDifferences(before, snapshotTree(user.tree.root())), "");
-}
-
-TEST(TrashDatedFolder, MakesAMissingTrashForTheUser) {
-    UserHome user;
-    Trash::DatedFolder dated = user.create();
-    ASSERT_EQ(dated.error, 0) << std::strerror(dated.error);
-    EXPECT_EQ(dated.location, user.trash + "/files/Veltro-20250114-093015");
-    for (const char* made : {"/.local", "/.local/share", "/.local/share/Trash", "/.local/share/Trash/files",
-                             "/.local/share/Trash/info"}) {
-        const struct stat st = statOf(user.home + made);
-        EXPECT_EQ(st.st_uid, user.owner) << made;
-        EXPECT_EQ(st.st_mode & 07777, 0700u) << made;
-    }
-    EXPECT_EQ(Trash::removeDatedFolderIfEmpty(dated), 0);
-    EXPECT_EQ(entriesOf(user.trash + "/files"), std::vector<std::string>{});
-    EXPECT_EQ(entriesOf(user.trash + "/info"), std::vector<std::string>{});
+    // Something moved in keeps folder and info file; an empty one leaves nothing behind.
+    EXPECT_EQ(Trash::removeDatedFolderIfEmpty(first), ENOTEMPTY);
+    EXPECT_EQ(Trash::removeDatedFolderIfEmpty(second), 0);
+    EXPECT_EQ(entriesOf(user.trash + "/files"), std::vector<std::string>{stamp});
+    EXPECT_EQ(entriesOf(user.trash + "/info"), std::vector<std::string>{stamp + ".trashinfo"});
 }
 
 TEST(TrashDatedFolder, RefusesATrashThatIsALinkOrSomebodyElses) {

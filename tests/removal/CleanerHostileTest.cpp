@@ -6,8 +6,10 @@
 #include "CleanerFixtures.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
+#include "platform/Trash.h"
 #include "support/DeepTree.h"
 #include "support/HostileNames.h"
+#include "support/TrashRestore.h"
 #include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
 
@@ -30,7 +32,7 @@ protected:
     // items go to (and the folders made for them) and the temporary folder.
     TreeSnapshot snapshotOutside(const std::vector<std::string>& items) const {
         std::set<std::string> excluded(items.begin(), items.end());
-        excluded.insert({home.home() + "/.Trash", home.home() + "/.local", home.tmp()});
+        excluded.insert({home.home() + "/.Trash", Trash::homeTrashFolder(), home.tmp()});
         return snapshotTree(home.tree().root(), excluded);
     }
 
@@ -120,6 +122,16 @@ TEST_F(CleanerHostileTest, HostileNamesAreTrashedAndDeletedExactly) {
         EXPECT_FALSE(exists(path)) << path;
     EXPECT_EQ(describeDifferences(before, snapshotOutside(paths)), "");
     EXPECT_FALSE(injectionRan());
+
+    // The desktop puts each one back at its exact place from its info file alone.
+    std::set<std::string> restored;
+    for (const std::string& location : result.trashedURLs) {
+        const Restored back = restoreFromTrash(location);
+        EXPECT_EQ(readFile(back.original + "/content"), Paths::lastComponent(back.original)) << back.problem;
+        restored.insert(back.original);
+    }
+    EXPECT_EQ(restored, std::set<std::string>(toTrash.begin(), toTrash.end()));
+    EXPECT_TRUE(entriesOf(Trash::homeTrashFolder() + "/info").empty());
 }
 
 TEST_F(CleanerHostileTest, HostileNamesPassThroughTheAdministratorBatch) {
