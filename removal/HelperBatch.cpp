@@ -3,6 +3,7 @@
 #include "platform/Paths.h"
 #include "platform/SafeFs.h"
 #include "platform/Text.h"
+#include "platform/Trash.h"
 #include "platform/TrashDatedFolder.h"
 #include "removal/HelperStop.h"
 #include "removal/HelperTool.h"
@@ -100,8 +101,9 @@ int Batch::move(const std::string& path) {
     return EEXIST;
 }
 
+// A trashed item deleted for good takes its info file along.
 int Batch::remove(const std::string& path) {
-    return SafeFs::removeItem(path);
+    return Trash::deleteForGood(path);
 }
 
 int Batch::command(const std::string& text) {

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <poll.h>
@@ -25,12 +26,21 @@ constexpr auto stopGrace = std::chrono::seconds(5);
 constexpr auto drainAfterEnd = std::chrono::milliseconds(200);
 constexpr int exitCheckMilliseconds = 20;
 
+// Started by pkexec for someone else, tools come only from the system's folders.
+// Started directly, the helper has its caller's own rights and finds tools where its
+// caller would.
 std::vector<std::string> toolEnvironment() {
+    const bool forSomeoneElse = std::getenv("PKEXEC_UID") != nullptr;
     std::vector<std::string> entries;
-    for (char** entry = environ; entry && *entry; ++entry)
-        if (std::strncmp(*entry, "PATH=", 5) != 0)
+    bool hasPath = false;
+    for (char** entry = environ; entry && *entry; ++entry) {
+        const bool isPath = std::strncmp(*entry, "PATH=", 5) == 0;
+        hasPath = hasPath || isPath;
+        if (!isPath || !forSomeoneElse)
             entries.emplace_back(*entry);
-    entries.emplace_back(systemPath);
+    }
+    if (forSomeoneElse || !hasPath)
+        entries.emplace_back(systemPath);
     return entries;
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 // The programs veltro-helper runs (du, /bin/sh -c for commands and actions): started
-// without a shell of ours, in a fixed system search path, standard input from
-// /dev/null, and ended with their whole process group when the helper must stop.
+// without a shell of ours (under pkexec in a fixed system search path), standard
+// input from /dev/null, and ended with their whole process group when the helper must
+// stop.
 
 #include <string>
 #include <vector>

@@ -30,9 +30,10 @@ public:
 };
 
 // What the platform's tool does once the user allowed it: the helper runs, here as
-// the current user.
+// the current user, finding tools where the shell runner's children do (a helper
+// started directly keeps the search path it is given).
 inline Shell::Output runScriptAsCurrentUser(const Privileged::Launch& launch) {
-    return Privileged::runProcess(launch.command, launch);
+    return Privileged::runProcess(launch.command, launch, {"PATH=" + Shell::path()});
 }
 
 // Root keeps the platform's own tool (it starts the helper directly, no dialog);
