@@ -1,5 +1,6 @@
 #include "systemdata/SystemDataAnalyzer.h"
 
+#include "catalogue/LinuxCommands.h"
 #include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/ShellQuote.h"
@@ -8,7 +9,7 @@
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
 #include "systemdata/Flag.h"
-#include "systemdata/SystemDataCatalog.h"
+#include "systemdata/SystemDataAreas.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -67,6 +68,49 @@ int64_t bytesFromKibibytes(int64_t kib) {
 
 int64_t deliveredValue(const std::string& id, int64_t number) {
     return id == "tm" ? number : bytesFromKibibytes(number);
+}
+
+// The snapshot count as the catalogue writes it; the Linux table gives its meaning here.
+constexpr std::string_view snapshotCountCommand =
+    "tmutil listlocalsnapshots / 2>/dev/null | grep -c com.apple";
+
+std::string linuxForm(std::string_view catalogueText) {
+    const LinuxCommand* command = LinuxCommands::find(catalogueText);
+    return command && !command->steps.empty() ? command->steps.front().shell : std::string(catalogueText);
+}
+
+// The folders of other entries that lie inside one of `entry`'s folders: each is
+// that entry's to show, so `entry`'s figure leaves them out and no byte counts twice
+// (the logs inside the system databases' folder, the runtimes inside the app data).
+std::vector<std::string> foldersOfOthersInside(const std::vector<SystemDataEntry>& entries,
+                                               const SystemDataEntry& entry) {
+    const std::vector<std::string> own = entry.expandedPaths();
+    std::vector<std::string> inside;
+    for (const SystemDataEntry& other : entries) {
+        if (other.id == entry.id)
+            continue;
+        for (const std::string& folder : other.expandedPaths()) {
+            const bool nested = std::any_of(own.begin(), own.end(), [&](const std::string& mine) {
+                return folder.size() > mine.size() && folder.starts_with(mine) &&
+                       (mine.ends_with('/') || folder[mine.size()] == '/');
+            });
+            if (nested && std::find(inside.begin(), inside.end(), folder) == inside.end())
+                inside.push_back(folder);
+        }
+    }
+    return inside;
+}
+
+// du matches an --exclude pattern against each path it walks; the folder's own wildcard
+// characters must match only themselves.
+std::string asExcludePattern(const std::string& folder) {
+    std::string pattern;
+    for (const char c : folder) {
+        if (c == '*' || c == '?' || c == '[' || c == ']' || c == '\\')
+            pattern += '\\';
+        pattern += c;
+    }
+    return pattern;
 }
 
 bool createEmptyFile(const std::string& path) {
@@ -148,18 +192,33 @@ SystemDataReport reportFrom(const std::string& output) {
         else
             report.sizes[id] = bytesFromKibibytes(number);
     }
-    // The logs live inside /private/var/db but have their own row.
-    if (const auto dbother = report.sizes.find("dbother"); dbother != report.sizes.end()) {
-        const auto logs = report.sizes.find("unifiedlogs");
-        const int64_t logBytes = logs == report.sizes.end() ? 0 : logs->second;
-        dbother->second = std::max<int64_t>(0, dbother->second - logBytes);
-    }
+    // No subtraction here: each figure already leaves out the folders other rows show
+    // (the script's exclusions), so the logs are not taken from the databases twice.
     report.purgeable = purgeableSpace();
     return report;
 }
 
 bool wasCancelled(const Shell::Output& output) {
     return output.standardError.find("-128") != std::string::npos;
+}
+
+Shell::Output runAsAdministrator(const std::string& lines, const std::string& title) {
+    std::string script = "#!/bin/sh\n" + lines;
+    if (!script.ends_with('\n'))
+        script += '\n';
+    return Privileged::run(script, localizedFormat("Veltro needs administrator privileges to: %1", {title}),
+                           adminActionTimeout);
+}
+
+// No message for a run that succeeded; otherwise the reason as the user should read it.
+std::optional<std::string> failureMessage(const Shell::Output& output) {
+    if (output.status == 0)
+        return std::nullopt;
+    if (wasCancelled(output))
+        return localized("Authentication was cancelled");
+    if (const std::string reason = Text::trimmed(output.standardError); !reason.empty())
+        return Text::prefix(reason, actionMessageLength);
+    return localizedFormat("Failed (exit %1)", {std::to_string(output.status)});
 }
 
 } // namespace
@@ -182,13 +241,15 @@ std::string measurementScript(const std::vector<SystemDataEntry>& entries, const
     script += "emit() { printf '%s|%s\\n' \"$1\" \"$2\"; printf '%s|%s\\n' \"$1\" \"$2\" >> \"$PROG\"; }\n";
     for (const SystemDataEntry& entry : entries) {
         if (entry.id == "tm") {
-            script += "emit tm \"$(tmutil listlocalsnapshots / 2>/dev/null | grep -c com.apple)\"\n";
+            script += "emit tm \"$(" + linuxForm(snapshotCountCommand) + ")\"\n";
             continue;
         }
         const std::vector<std::string> paths = entry.expandedPaths();
         if (paths.empty())
             continue;
         script += "emit " + shellQuote(entry.id) + " \"$(du -skx";
+        for (const std::string& inner : foldersOfOthersInside(entries, entry))
+            script += " --exclude=" + shellQuote(asExcludePattern(inner));
         for (const std::string& path : paths)
             script += " " + shellQuote(path);
         script += " 2>/dev/null | awk '{s+=$1} END {print s+0}')\"\n";
@@ -198,7 +259,7 @@ std::string measurementScript(const std::vector<SystemDataEntry>& entries, const
 }
 
 Analysis analyze(const EntryCallback& onEntry) {
-    return analyze(SystemDataCatalog::entries(), onEntry);
+    return analyze(SystemDataAreas::entries(), onEntry);
 }
 
 Analysis analyze(const std::vector<SystemDataEntry>& entries, const EntryCallback& onEntry) {
@@ -236,19 +297,35 @@ Analysis analyze(const std::vector<SystemDataEntry>& entries, const EntryCallbac
 }
 
 std::optional<std::string> perform(const SystemDataEntry::Action& action) {
-    const Shell::Output output =
-        action.admin
-            ? Privileged::run("#!/bin/sh\n" + action.shell + "\n",
-                              localizedFormat("Veltro needs administrator privileges to: %1", {action.title}),
-                              adminActionTimeout)
-            : Shell::run(action.shell, userActionTimeout);
-    if (output.status == 0)
-        return std::nullopt;
-    if (wasCancelled(output))
-        return localized("Authentication was cancelled");
-    if (const std::string reason = Text::trimmed(output.standardError); !reason.empty())
-        return Text::prefix(reason, actionMessageLength);
-    return localizedFormat("Failed (exit %1)", {std::to_string(output.status)});
+    const LinuxCommand* command = LinuxCommands::find(action.shell);
+    if (!command) {
+        const Shell::Output output = action.admin ? runAsAdministrator(action.shell, action.title)
+                                                  : Shell::run(action.shell, userActionTimeout);
+        return failureMessage(output);
+    }
+    // Never report success for what could not run: a missing tool is the failure.
+    const std::vector<LinuxCommandStep> steps = LinuxCommands::installedSteps(*command, Shell::path());
+    if (steps.empty())
+        return LinuxCommands::unavailableReason(*command, Shell::path());
+    // The administrator's steps first, under one password prompt; then the user's own.
+    std::string adminScript;
+    for (const LinuxCommandStep& step : steps)
+        if (step.admin)
+            adminScript += step.shell + "\n";
+    std::optional<std::string> failure;
+    if (!adminScript.empty()) {
+        const Shell::Output output = runAsAdministrator(adminScript, action.title);
+        if (wasCancelled(output))
+            return localized("Authentication was cancelled");
+        failure = failureMessage(output);
+    }
+    for (const LinuxCommandStep& step : steps)
+        if (!step.admin)
+            if (std::optional<std::string> message =
+                    failureMessage(Shell::run(step.shell, userActionTimeout));
+                message && !failure)
+                failure = std::move(message);
+    return failure;
 }
 
 } // namespace SystemDataAnalyzer

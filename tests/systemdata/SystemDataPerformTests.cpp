@@ -1,9 +1,14 @@
 #include "systemdata/SystemDataAnalyzer.h"
 
 #include "SystemDataTesting.h"
+#include "catalogue/LinuxCommands.h"
+#include "systemdata/SystemDataAreas.h"
+#include "systemdata/SystemDataCatalog.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -52,4 +57,107 @@ TEST(SystemDataPerform, AdminActionGoesThroughAuthorization) {
         SystemDataAnalyzer::perform({"Make", "touch " + shellQuote(made), true, Risk::caution, "Sure?"}),
         std::nullopt);
     EXPECT_TRUE(exists(made));
+}
+
+namespace {
+
+const SystemDataEntry& area(const std::string& id) {
+    for (const SystemDataEntry& entry : SystemDataAreas::entries())
+        if (entry.id == id)
+            return entry;
+    throw std::out_of_range(id);
+}
+
+// Stand-in tools on the children's search path that note every call in one log.
+struct StandIns {
+    std::string log = sharedHome().path("calls.log");
+    void install(const std::string& tool, const std::string& body = {}) const {
+        sharedHome().installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log) + "\n" + body);
+    }
+    std::vector<std::string> takeCalls() const {
+        std::vector<std::string> calls;
+        std::istringstream lines(readFile(log));
+        for (std::string line; std::getline(lines, line);)
+            calls.push_back(line);
+        ::unlink(log.c_str());
+        return calls;
+    }
+};
+
+} // namespace
+
+// Each area's action runs the Linux command of the same meaning: the administrator's
+// steps in one script, the user's own steps as the user.
+TEST(SystemDataPerform, ActionsRunTheirLinuxCommands) {
+    sharedHome();
+    const StandIns tools;
+    const std::string snapperAnswers = "case \"$*\" in\n\"-c root list\") exit 0 ;;\n"
+                                       "*--columns\\ number) printf 'number\\n0\\n1\\n2\\n' ;;\nesac";
+    struct Case {
+        std::string id;
+        std::vector<std::pair<std::string, std::string>> standIns; // tool, body after the note
+        std::vector<std::string> calls;
+        std::string adminScript;
+        std::optional<std::string> message;
+    };
+    const std::vector<Case> cases{
+        {"unifiedlogs",
+         {{"journalctl", ""}},
+         {"journalctl --rotate", "journalctl --vacuum-time=1s"},
+         "journalctl --rotate && journalctl --vacuum-time=1s",
+         std::nullopt},
+        {"spotlight",
+         {{"updatedb", ""}, {"tracker3", ""}, {"balooctl", ""}},
+         {"updatedb", "tracker3 reset --filesystem", "balooctl purge"},
+         "updatedb",
+         std::nullopt},
+        // The system's runtimes could not go; the user's are still removed.
+        {"simruntimes",
+         {{"flatpak", "[ \"$2\" = --system ] && { echo ' error: not allowed ' >&2; exit 1; }; exit 0"}},
+         {"flatpak uninstall --system --unused -y", "flatpak uninstall --user --unused -y"},
+         "flatpak uninstall --system --unused -y",
+         "error: not allowed"},
+        {"tm",
+         {{"snapper", snapperAnswers}},
+         {"snapper -c root list", "snapper -c root --csvout list --columns number",
+          "snapper -c root delete 1", "snapper -c root delete 2"},
+         LinuxCommands::find(area("tm").action->shell)->steps.front().shell,
+         std::nullopt},
+        // Without a Snapper configuration for the root file system, Timeshift's.
+        {"tm",
+         {{"snapper", "exit 1"}, {"timeshift", ""}},
+         {"snapper -c root list", "timeshift --delete-all --scripted --yes"},
+         LinuxCommands::find(area("tm").action->shell)->steps.front().shell,
+         std::nullopt},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.id + " with " + c.standIns.front().first);
+        for (const auto& [tool, body] : c.standIns)
+            tools.install(tool, body);
+        AuthorizationToolRecorder recorder{realScriptRunner()};
+        EXPECT_EQ(SystemDataAnalyzer::perform(*area(c.id).action), c.message);
+        EXPECT_EQ(tools.takeCalls(), c.calls);
+        ASSERT_EQ(recorder.calls().size(), 1u);
+        EXPECT_EQ(recorder.calls()[0].script, "#!/bin/sh\n" + c.adminScript + "\n");
+        EXPECT_EQ(recorder.calls()[0].prompt,
+                  "Veltro needs administrator privileges to: " + area(c.id).action->title);
+    }
+}
+
+// What cannot run here is refused with the reason, never reported as done.
+TEST(SystemDataPerform, WithoutItsToolAnActionRunsNothingAndSaysWhy) {
+    sharedHome();
+    if (LinuxCommands::isInstalled("flatpak", Shell::path()))
+        GTEST_SKIP() << "this machine has flatpak";
+    AuthorizationToolRecorder recorder{answering({0, "", ""})};
+    EXPECT_EQ(SystemDataAreas::unavailableReason(area("simruntimes")), "flatpak is not installed");
+    EXPECT_EQ(SystemDataAnalyzer::perform(*area("simruntimes").action), "flatpak is not installed");
+
+    // A swap file has no action here, only its note; the catalogue's own is refused too.
+    const std::string swapNote =
+        "In use by the system as swap — resize or remove it with your distribution's tools";
+    EXPECT_FALSE(area("vm").action.has_value());
+    EXPECT_EQ(area("vm").protectedNote, swapNote);
+    EXPECT_EQ(SystemDataAnalyzer::perform(*SystemDataCatalog::entries()[1].action), swapNote);
+    EXPECT_TRUE(recorder.calls().empty());
 }
