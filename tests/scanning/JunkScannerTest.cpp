@@ -5,6 +5,7 @@
 #include "platform/Environment.h"
 #include "removal/Shell.h"
 #include "support/FakeHome.h"
+#include "support/SnapshotStandIn.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
@@ -194,9 +195,7 @@ TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
         EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);
     }
 
-    const std::string threeSnapshots = "case \"$*\" in\n\"-c root list\") exit 0 ;;\n"
-                                       "*--columns\\ number) printf 'number\\n0\\n1\\n2\\n3\\n' ;;\nesac";
-    home.installTool("snapper", threeSnapshots);
+    home.installTool("snapper", snapperWithSnapshots(3));
     scan = recordScan(quietOptions());
     // No xcrun: the simulator clean-up is not offered.
     EXPECT_EQ(scan.item("cmd.simctl"), nullptr);
@@ -218,13 +217,12 @@ TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
     EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/Homebrew")), "dev.packages");
 
     // The probe counts nothing: number 0 is the running system, not a snapshot.
-    home.installTool("snapper",
-                     "case \"$*\" in\n\"-c root list\") exit 0 ;;\n*) echo number; echo 0 ;;\nesac");
+    home.installTool("snapper", snapperWithSnapshots(0));
     scan = recordScan(quietOptions());
     EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);
 
     // The probe prints only white space (a grep that finds a blank line, here).
-    home.installTool("snapper", threeSnapshots);
+    home.installTool("snapper", snapperWithSnapshots(3));
     home.installTool("grep", "printf ' \\t\\r\\n\\n'");
     scan = recordScan(quietOptions());
     EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);

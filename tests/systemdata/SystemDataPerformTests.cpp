@@ -2,11 +2,11 @@
 
 #include "SystemDataTesting.h"
 #include "catalogue/LinuxCommands.h"
+#include "support/SnapshotStandIn.h"
 #include "systemdata/SystemDataAreas.h"
 #include "systemdata/SystemDataCatalog.h"
 
 #include <gtest/gtest.h>
-#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -68,75 +68,58 @@ const SystemDataEntry& area(const std::string& id) {
     throw std::out_of_range(id);
 }
 
-// Stand-in tools on the children's search path that note every call in one log.
-struct StandIns {
-    std::string log = sharedHome().path("calls.log");
-    void install(const std::string& tool, const std::string& body = {}) const {
-        sharedHome().installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log) + "\n" + body);
-    }
-    std::vector<std::string> takeCalls() const {
-        std::vector<std::string> calls;
-        std::istringstream lines(readFile(log));
-        for (std::string line; std::getline(lines, line);)
-            calls.push_back(line);
-        ::unlink(log.c_str());
-        return calls;
-    }
-};
-
 } // namespace
 
 // Each area's action runs the Linux command of the same meaning: the administrator's
 // steps in one script, the user's own steps as the user.
 TEST(SystemDataPerform, ActionsRunTheirLinuxCommands) {
-    sharedHome();
-    const StandIns tools;
-    const std::string snapperAnswers = "case \"$*\" in\n\"-c root list\") exit 0 ;;\n"
-                                       "*--columns\\ number) printf 'number\\n0\\n1\\n2\\n' ;;\nesac";
+    // Stand-ins on the children's search path note every call in one log.
+    const std::string log = sharedHome().path("calls.log");
     struct Case {
         std::string id;
         std::vector<std::pair<std::string, std::string>> standIns; // tool, body after the note
-        std::vector<std::string> calls;
+        std::string calls;
         std::string adminScript;
         std::optional<std::string> message;
     };
     const std::vector<Case> cases{
         {"unifiedlogs",
          {{"journalctl", ""}},
-         {"journalctl --rotate", "journalctl --vacuum-time=1s"},
+         "journalctl --rotate\njournalctl --vacuum-time=1s\n",
          "journalctl --rotate && journalctl --vacuum-time=1s",
          std::nullopt},
         {"spotlight",
          {{"updatedb", ""}, {"tracker3", ""}, {"balooctl", ""}},
-         {"updatedb", "tracker3 reset --filesystem", "balooctl purge"},
+         "updatedb\ntracker3 reset --filesystem\nbalooctl purge\n",
          "updatedb",
          std::nullopt},
         // The system's runtimes could not go; the user's are still removed.
         {"simruntimes",
          {{"flatpak", "[ \"$2\" = --system ] && { echo ' error: not allowed ' >&2; exit 1; }; exit 0"}},
-         {"flatpak uninstall --system --unused -y", "flatpak uninstall --user --unused -y"},
+         "flatpak uninstall --system --unused -y\nflatpak uninstall --user --unused -y\n",
          "flatpak uninstall --system --unused -y",
          "error: not allowed"},
         {"tm",
-         {{"snapper", snapperAnswers}},
-         {"snapper -c root list", "snapper -c root --csvout list --columns number",
-          "snapper -c root delete 1", "snapper -c root delete 2"},
+         {{"snapper", snapperWithSnapshots(2)}},
+         "snapper -c root list\nsnapper -c root --csvout list --columns number\nsnapper -c root delete 1\n"
+         "snapper -c root delete 2\n",
          LinuxCommands::find(area("tm").action->shell)->steps.front().shell,
          std::nullopt},
         // Without a Snapper configuration for the root file system, Timeshift's.
         {"tm",
          {{"snapper", "exit 1"}, {"timeshift", ""}},
-         {"snapper -c root list", "timeshift --delete-all --scripted --yes"},
+         "snapper -c root list\ntimeshift --delete-all --scripted --yes\n",
          LinuxCommands::find(area("tm").action->shell)->steps.front().shell,
          std::nullopt},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.id + " with " + c.standIns.front().first);
         for (const auto& [tool, body] : c.standIns)
-            tools.install(tool, body);
+            sharedHome().installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log) + "\n" + body);
         AuthorizationToolRecorder recorder{realScriptRunner()};
         EXPECT_EQ(SystemDataAnalyzer::perform(*area(c.id).action), c.message);
-        EXPECT_EQ(tools.takeCalls(), c.calls);
+        EXPECT_EQ(readFile(log), c.calls);
+        ::unlink(log.c_str());
         ASSERT_EQ(recorder.calls().size(), 1u);
         EXPECT_EQ(recorder.calls()[0].script, "#!/bin/sh\n" + c.adminScript + "\n");
         EXPECT_EQ(recorder.calls()[0].prompt,
