@@ -63,7 +63,7 @@
     </message>
     <message>
         <source>Time Machine Local Snapshots</source>
-        <translation>System Snapshots (Snapper, Timeshift)</translation>
+        <translation>System Snapshots</translation>
     </message>
     <message>
         <source>Local snapshots kept by Time Machine (counted as &quot;System Data&quot;) — backups on your Time Machine drive are not affected.</source>
@@ -87,7 +87,7 @@
     </message>
     <message>
         <source>Time Machine local snapshots</source>
-        <translation>System snapshots (Snapper or Timeshift)</translation>
+        <translation>System Snapshots</translation>
     </message>
     <message>
         <source>Local snapshots Time Machine keeps between backups — usually the largest part of System Data, and counted as purgeable space.</source>
@@ -115,7 +115,7 @@
     </message>
     <message>
         <source>Erase All Logs (log erase)</source>
-        <translation>Erase All Logs (journalctl --vacuum-time=1s)</translation>
+        <translation>Erase All Logs (journalctl)</translation>
     </message>
     <message>
         <source>Spotlight Index</source>
@@ -127,7 +127,7 @@
     </message>
     <message>
         <source>Rebuild Index (mdutil -E /)</source>
-        <translation>Rebuild Indexes (updatedb, desktop search reset)</translation>
+        <translation>Rebuild Indexes</translation>
     </message>
     <message>
         <source>Spotlight will re-index the whole Mac. This can take hours and search results will be incomplete meanwhile.</source>
@@ -143,7 +143,7 @@
     </message>
     <message>
         <source>Delete Runtimes Unused for 30 Days</source>
-        <translation>Remove Unused Runtimes (flatpak uninstall --unused)</translation>
+        <translation>Remove Unused Runtimes</translation>
     </message>
     <message>
         <source>Deleted runtimes must be re-downloaded from Xcode → Settings → Platforms if needed.</source>

@@ -86,17 +86,15 @@ TEST(SystemDataCommand, RunsAnActionOrRefusesOneThatCannotRun) {
     const CommandRun runtimes = CommandRun::of(home, {"system-data", "--run", "simruntimes", "--yes"});
     EXPECT_EQ(runtimes.status, 0) << runtimes.err;
     EXPECT_EQ(readFile(log), "uninstall --system --unused -y\nuninstall --user --unused -y\n");
-    EXPECT_EQ(runtimes.out.rfind("Remove Unused Runtimes (flatpak uninstall --unused) completed — ", 0), 0u)
-        << runtimes.out;
+    EXPECT_EQ(runtimes.out.rfind("Remove Unused Runtimes completed — ", 0), 0u) << runtimes.out;
 
     if (!LinuxCommands::isInstalled("updatedb", Shell::path()) &&
         !LinuxCommands::isInstalled("tracker3", Shell::path()) &&
         !LinuxCommands::isInstalled("balooctl", Shell::path())) {
         const CommandRun indexes = CommandRun::of(home, {"system-data", "--run", "spotlight", "--yes"});
         EXPECT_EQ(indexes.status, 1);
-        EXPECT_EQ(indexes.err,
-                  "Rebuild Indexes (updatedb, desktop search reset): None of these is installed: "
-                  "updatedb, tracker3, balooctl\n");
+        EXPECT_EQ(indexes.err, "Rebuild Indexes: None of these is installed: "
+                               "updatedb, tracker3, balooctl\n");
     }
     EXPECT_EQ(CommandRun::of(home, {"system-data", "--run", "nothing", "--yes"}).status, 2);
     // Without a terminal to ask on, only --yes runs it.

@@ -143,7 +143,7 @@ Item {
                     text: root.unavailable
                     color: Theme.secondary
                     font.pixelSize: Theme.caption
-                    elide: Text.ElideRight
+                    wrapMode: Text.Wrap
                     Layout.fillWidth: true
                 }
             }
