@@ -1,33 +1,24 @@
 #include "systemdata/SystemDataAnalyzer.h"
 
 #include "catalogue/LinuxCommands.h"
-#include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/ShellQuote.h"
 #include "platform/Text.h"
-#include "platform/Uuid.h"
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
-#include "systemdata/Flag.h"
 #include "systemdata/SystemDataAreas.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
-#include <chrono>
-#include <fcntl.h>
 #include <limits>
 #include <set>
 #include <sys/statvfs.h>
-#include <thread>
-#include <unistd.h>
 
 namespace {
 
 constexpr double measurementTimeout = 900;
 constexpr double adminActionTimeout = 1800;
 constexpr double userActionTimeout = 600;
-constexpr auto pollInterval = std::chrono::milliseconds(150);
 constexpr size_t analysisMessageLength = 200;
 constexpr size_t actionMessageLength = 300;
 constexpr int64_t kibibyte = 1024;
@@ -113,51 +104,14 @@ std::string asExcludePattern(const std::string& folder) {
     return pattern;
 }
 
-bool createEmptyFile(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (fd < 0)
-        return false;
-    ::close(fd);
-    return true;
-}
-
-std::optional<std::string> readFile(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-    if (fd < 0)
-        return std::nullopt;
-    std::string content;
-    char buffer[8192];
-    for (;;) {
-        const ssize_t n = ::read(fd, buffer, sizeof buffer);
-        if (n > 0) {
-            content.append(buffer, static_cast<size_t>(n));
-        } else if (n == 0) {
-            break;
-        } else if (errno != EINTR) {
-            ::close(fd);
-            return std::nullopt;
-        }
-    }
-    ::close(fd);
-    return content;
-}
-
-// Hands on every id of the progress file that has not been delivered yet.
-void deliverProgress(const std::string& progressPath, std::set<std::string>& delivered,
-                     const SystemDataAnalyzer::EntryCallback& onEntry) {
-    std::optional<std::string> content = readFile(progressPath);
-    if (!content)
-        return;
-    // A line still being appended is left for the next read: an id is delivered
-    // only once, so a half-written number would stick.
-    const size_t lastLineFeed = content->rfind('\n');
-    content->resize(lastLineFeed == std::string::npos ? 0 : lastLineFeed + 1);
-    for (const auto& [id, number] : SystemDataAnalyzer::parse(Shell::decodeUtf8Lossy(*content))) {
-        if (!delivered.insert(id).second)
-            continue;
-        if (onEntry)
-            onEntry(id, deliveredValue(id, number));
-    }
+// The shell form of one entry's measurement: the KiB of its folders, leaving out `excluded`.
+std::string duCommand(const std::vector<std::string>& excluded, const std::vector<std::string>& folders) {
+    std::string command = "du -skx";
+    for (const std::string& inner : excluded)
+        command += " --exclude=" + shellQuote(asExcludePattern(inner));
+    for (const std::string& folder : folders)
+        command += " " + shellQuote(folder);
+    return command + " 2>/dev/null | awk '{s+=$1} END {print s+0}'";
 }
 
 struct Capacities {
@@ -234,26 +188,33 @@ std::vector<std::pair<std::string, int64_t>> parse(std::string_view text) {
     return pairs;
 }
 
+std::vector<WorkList::MeasuredEntry> measuredEntries(const std::vector<SystemDataEntry>& entries) {
+    std::vector<WorkList::MeasuredEntry> measured;
+    for (const SystemDataEntry& entry : entries) {
+        if (entry.id == "tm") {
+            measured.push_back({entry.id, {}, linuxForm(snapshotCountCommand)});
+            continue;
+        }
+        std::vector<std::string> folders = entry.expandedPaths();
+        if (folders.empty())
+            continue;
+        // du leaves out what another row shows only when asked in the shell's form.
+        if (const std::vector<std::string> inside = foldersOfOthersInside(entries, entry); !inside.empty())
+            measured.push_back({entry.id, {}, duCommand(inside, folders)});
+        else
+            measured.push_back({entry.id, std::move(folders), {}});
+    }
+    return measured;
+}
+
 std::string measurementScript(const std::vector<SystemDataEntry>& entries, const std::string& progressPath) {
     std::string script;
     script += "#!/bin/sh\n";
     script += "PROG=" + shellQuote(progressPath) + "\n";
     script += "emit() { printf '%s|%s\\n' \"$1\" \"$2\"; printf '%s|%s\\n' \"$1\" \"$2\" >> \"$PROG\"; }\n";
-    for (const SystemDataEntry& entry : entries) {
-        if (entry.id == "tm") {
-            script += "emit tm \"$(" + linuxForm(snapshotCountCommand) + ")\"\n";
-            continue;
-        }
-        const std::vector<std::string> paths = entry.expandedPaths();
-        if (paths.empty())
-            continue;
-        script += "emit " + shellQuote(entry.id) + " \"$(du -skx";
-        for (const std::string& inner : foldersOfOthersInside(entries, entry))
-            script += " --exclude=" + shellQuote(asExcludePattern(inner));
-        for (const std::string& path : paths)
-            script += " " + shellQuote(path);
-        script += " 2>/dev/null | awk '{s+=$1} END {print s+0}')\"\n";
-    }
+    for (const WorkList::MeasuredEntry& entry : measuredEntries(entries))
+        script += "emit " + (entry.id == "tm" ? entry.id : shellQuote(entry.id)) + " \"$(" +
+                  (entry.countCommand.empty() ? duCommand({}, entry.folders) : entry.countCommand) + ")\"\n";
     script += "exit 0\n";
     return script;
 }
@@ -263,30 +224,16 @@ Analysis analyze(const EntryCallback& onEntry) {
 }
 
 Analysis analyze(const std::vector<SystemDataEntry>& entries, const EntryCallback& onEntry) {
-    const std::string progressPath = Environment::temporaryFolder() + "/korvane-sd-" + makeUuid() + ".txt";
-    // When the file cannot be made, the script's own appends may still create it;
-    // if not, only the row-by-row progress is lost, never the report.
-    createEmptyFile(progressPath);
-    const std::string script = measurementScript(entries, progressPath);
-
-    Flag finished;
-    Shell::Output output;
-    std::jthread run([&] {
-        output = Privileged::run(script,
-                                 localized("Veltro needs administrator privileges to measure System Data."),
-                                 measurementTimeout);
-        finished.set(true);
-    });
-
+    // The helper answers each entry with a line as soon as it is measured; each id is
+    // handed on once.
     std::set<std::string> delivered;
-    while (!finished.value()) {
-        std::this_thread::sleep_until(std::chrono::steady_clock::now() + pollInterval);
-        deliverProgress(progressPath, delivered, onEntry);
-    }
-    deliverProgress(progressPath, delivered, onEntry);
-    run.join();
-    ::unlink(progressPath.c_str());
-
+    const Shell::Output output = Privileged::measure(
+        measuredEntries(entries), localized("Veltro needs administrator privileges to measure System Data."),
+        measurementTimeout, [&](std::string_view line) {
+            for (const auto& [id, number] : parse(Shell::decodeUtf8Lossy(line)))
+                if (delivered.insert(id).second && onEntry)
+                    onEntry(id, deliveredValue(id, number));
+        });
     if (output.status != 0) {
         if (wasCancelled(output))
             return {std::nullopt, localized("Authentication was cancelled")};

@@ -176,7 +176,7 @@ TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     for (const std::string& path : {fixture.cacheA, fixture.cacheB, fixture.log, fixture.oldTrash})
         EXPECT_FALSE(exists(path)) << path;
     for (const char* name : {"com.example.a", "com.example.b", "app.log"})
-        EXPECT_TRUE(exists(home.path(std::string(".Trash/") + name))) << name;
+        EXPECT_TRUE(exists(home.path(std::string(".local/share/Trash/files/") + name))) << name;
     EXPECT_TRUE(exists(fixture.store));
     EXPECT_TRUE(exists(fixture.document));
 
@@ -187,8 +187,10 @@ TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     EXPECT_NE(purged.out.find("Cleaned 1 Item\n"), std::string::npos) << purged.out;
     EXPECT_NE(purged.out.find("Deleted permanently — freed "), std::string::npos) << purged.out;
     EXPECT_FALSE(exists(home.path("Library/Caches/com.example.fresh")));
-    EXPECT_FALSE(exists(home.path(".Trash/com.example.fresh")));
-    EXPECT_TRUE(exists(home.path(".Trash/com.example.a"))) << "the purge reached beyond its own clean";
+    EXPECT_FALSE(exists(home.path(".local/share/Trash/files/com.example.fresh")));
+    EXPECT_FALSE(exists(home.path(".local/share/Trash/info/com.example.fresh.trashinfo")));
+    EXPECT_TRUE(exists(home.path(".local/share/Trash/files/com.example.a")))
+        << "the purge reached beyond its own clean";
 }
 
 TEST(HeadlessRun, WaitingForTheScanLeavesTheProcessorAlone) {

@@ -7,7 +7,6 @@
 #include "platform/ShellQuote.h"
 #include "removal/Shell.h"
 #include "support/PathQueries.h"
-#include "support/SnapshotStandIn.h"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +39,6 @@ TEST(SystemDataCommand, ReportsWhatDuMeasuresWithoutCountingAnythingTwice) {
     home.makeFileOfSize(".local/share/recently-used.xbel", 9'000);
     home.makeFileOfSize(".config/app/settings.ini", 7'000);
     home.makeFileOfSize(".var/app/org.example.App/data/db", 60'000);
-    home.installTool("snapper", snapperWithSnapshots(2));
 
     const CommandRun run = CommandRun::of(home, {"system-data", "--json"});
     ASSERT_EQ(run.status, 0) << run.err;
@@ -57,7 +55,6 @@ TEST(SystemDataCommand, ReportsWhatDuMeasuresWithoutCountingAnythingTwice) {
         return paths;
     };
 
-    EXPECT_EQ(report["snapshotCount"].toInt(), 2);
     EXPECT_EQ(report["purgeable"].toInteger(), 0);
     for (const std::string id : {"mailmsg", "simruntimes", "containers"})
         EXPECT_EQ(sizeOf(id), duBytes(folders(id))) << id;
@@ -71,32 +68,29 @@ TEST(SystemDataCommand, ReportsWhatDuMeasuresWithoutCountingAnythingTwice) {
     const CommandRun table = CommandRun::of(home, {"system-data"});
     ASSERT_EQ(table.status, 0) << table.err;
     EXPECT_NE(table.out.find("  Mail "), std::string::npos) << table.out;
-    EXPECT_NE(table.out.find("2 snapshots"), std::string::npos) << table.out;
     EXPECT_EQ(table.out.find("Time Machine"), std::string::npos) << table.out;
 }
 
-// An action runs its Linux command, or is refused when it cannot run here.
+// An action runs its Linux command, or is refused when it cannot run here. Only the
+// user's own steps stand in here: the administrator's run this machine's real tools.
 TEST(SystemDataCommand, RunsAnActionOrRefusesOneThatCannotRun) {
-    if (::geteuid() != 0)
-        GTEST_SKIP() << "the system's half of the action needs the administrator";
     FakeHome home;
-    const std::string log = home.path("flatpak.log");
-    home.installTool("flatpak", "echo \"$@\" >> " + shellQuote(log));
+    auto installed = [](const char* tool) { return LinuxCommands::isInstalled(tool, Shell::path()); };
+    if (installed("updatedb") || installed("flatpak"))
+        GTEST_SKIP() << "this machine has updatedb or flatpak, which would run for real";
+    const std::string log = home.path("calls.log");
+    for (const std::string tool : {"tracker3", "balooctl"})
+        home.installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log));
+
+    const CommandRun indexes = CommandRun::of(home, {"system-data", "--run", "spotlight", "--yes"});
+    EXPECT_EQ(indexes.status, 0) << indexes.err;
+    EXPECT_EQ(readFile(log), "tracker3 reset --filesystem\nbalooctl purge\n");
+    EXPECT_EQ(indexes.out.rfind("Rebuild Indexes completed — ", 0), 0u) << indexes.out;
 
     const CommandRun runtimes = CommandRun::of(home, {"system-data", "--run", "simruntimes", "--yes"});
-    EXPECT_EQ(runtimes.status, 0) << runtimes.err;
-    EXPECT_EQ(readFile(log), "uninstall --system --unused -y\nuninstall --user --unused -y\n");
-    EXPECT_EQ(runtimes.out.rfind("Remove Unused Runtimes completed — ", 0), 0u) << runtimes.out;
-
-    if (!LinuxCommands::isInstalled("updatedb", Shell::path()) &&
-        !LinuxCommands::isInstalled("tracker3", Shell::path()) &&
-        !LinuxCommands::isInstalled("balooctl", Shell::path())) {
-        const CommandRun indexes = CommandRun::of(home, {"system-data", "--run", "spotlight", "--yes"});
-        EXPECT_EQ(indexes.status, 1);
-        EXPECT_EQ(indexes.err, "Rebuild Indexes: None of these is installed: "
-                               "updatedb, tracker3, balooctl\n");
-    }
+    EXPECT_EQ(runtimes.status, 1);
+    EXPECT_EQ(runtimes.err, "Remove Unused Runtimes: flatpak is not installed\n");
     EXPECT_EQ(CommandRun::of(home, {"system-data", "--run", "nothing", "--yes"}).status, 2);
     // Without a terminal to ask on, only --yes runs it.
-    EXPECT_EQ(CommandRun::of(home, {"system-data", "--run", "simruntimes"}).status, 2);
+    EXPECT_EQ(CommandRun::of(home, {"system-data", "--run", "spotlight"}).status, 2);
 }

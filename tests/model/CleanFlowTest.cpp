@@ -138,7 +138,7 @@ TEST(CleanFlow, TwoOfFiveFailAndTheResultLandsInOneStep) {
     EXPECT_EQ(model.items().size(), 3u); // the two failures and the untouched one
     EXPECT_EQ(model.stateOf("user.logs"), State::done);
     for (const char* name : {"com.example.big", "com.example.mid", "only.log"})
-        EXPECT_TRUE(exists(home.path(std::string(".Trash/") + name))) << name;
+        EXPECT_TRUE(exists(home.path(std::string(".local/share/Trash/files/") + name))) << name;
     EXPECT_FALSE(exists(big));
     EXPECT_EQ(model.lastResultInfo().value("failures").toList().size(), 2);
 }
@@ -148,7 +148,8 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     const std::string first = makeCacheFolder(home, "com.example.first", 100'000);
     const std::string second = makeCacheFolder(home, "com.example.second", 60'000);
     const std::string third = makeCacheFolder(home, "com.example.third", 30'000);
-    home.makeFileOfSize(".Trash/kept.txt", 4'000); // the user's own Trash stays untouched
+    const std::string trash = home.path(".local/share/Trash/files/");
+    home.makeFileOfSize(".local/share/Trash/files/kept.txt", 4'000); // the user's own Trash stays untouched
     AppModel model;
     ASSERT_TRUE(scanToEnd(model));
 
@@ -156,14 +157,14 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     model.setSelected(second, true);
     ASSERT_TRUE(cleanToEnd(model));
     ASSERT_EQ(model.lastResult()->trashedURLs.size(), 2u);
-    ASSERT_TRUE(exists(home.path(".Trash/com.example.first")));
+    ASSERT_TRUE(exists(trash + "com.example.first"));
 
     ASSERT_TRUE(purgeToEnd(model));
     EXPECT_TRUE(purgeLine("").match(model.purgeMessage()).hasMatch()) << model.purgeMessage().toStdString();
     EXPECT_TRUE(model.lastResult()->trashedURLs.empty());
-    EXPECT_FALSE(exists(home.path(".Trash/com.example.first")));
-    EXPECT_FALSE(exists(home.path(".Trash/com.example.second")));
-    EXPECT_TRUE(exists(home.path(".Trash/kept.txt")));
+    EXPECT_FALSE(exists(trash + "com.example.first"));
+    EXPECT_FALSE(exists(trash + "com.example.second"));
+    EXPECT_TRUE(exists(trash + "kept.txt"));
 
     // Offered once only.
     SignalLog notified(model);

@@ -2,6 +2,7 @@
 
 #include "SystemDataTesting.h"
 #include "catalogue/LinuxCommands.h"
+#include "platform/Text.h"
 #include "support/SnapshotStandIn.h"
 #include "systemdata/SystemDataAreas.h"
 #include "systemdata/SystemDataCatalog.h"
@@ -68,63 +69,96 @@ const SystemDataEntry& area(const std::string& id) {
     throw std::out_of_range(id);
 }
 
+// A stand-in tool on the children's search path that notes each call in `log`.
+void installNoting(const std::string& log, const std::string& tool, const std::string& body = {}) {
+    sharedHome().installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log) + "\n" + body);
+}
+
+std::string takeLog(const std::string& log) {
+    const std::string text = exists(log) ? readFile(log) : "";
+    ::unlink(log.c_str());
+    return text;
+}
+
 } // namespace
 
 // Each area's action runs the Linux command of the same meaning: the administrator's
-// steps in one script, the user's own steps as the user.
+// steps go to the helper as one shell text (answered here, as root would run this
+// machine's own tools), the user's own steps run as the user.
 TEST(SystemDataPerform, ActionsRunTheirLinuxCommands) {
-    // Stand-ins on the children's search path note every call in one log.
     const std::string log = sharedHome().path("calls.log");
     struct Case {
         std::string id;
-        std::vector<std::pair<std::string, std::string>> standIns; // tool, body after the note
-        std::string calls;
+        std::vector<std::string> tools;
+        std::string userCalls;
         std::string adminScript;
+        Shell::Output adminAnswer;
         std::optional<std::string> message;
     };
+    const Shell::Output done{0, "", ""};
     const std::vector<Case> cases{
         {"unifiedlogs",
-         {{"journalctl", ""}},
-         "journalctl --rotate\njournalctl --vacuum-time=1s\n",
+         {"journalctl"},
+         "",
          "journalctl --rotate && journalctl --vacuum-time=1s",
+         done,
          std::nullopt},
         {"spotlight",
-         {{"updatedb", ""}, {"tracker3", ""}, {"balooctl", ""}},
-         "updatedb\ntracker3 reset --filesystem\nbalooctl purge\n",
+         {"updatedb", "tracker3", "balooctl"},
+         "tracker3 reset --filesystem\nbalooctl purge\n",
          "updatedb",
+         done,
          std::nullopt},
         // The system's runtimes could not go; the user's are still removed.
         {"simruntimes",
-         {{"flatpak", "[ \"$2\" = --system ] && { echo ' error: not allowed ' >&2; exit 1; }; exit 0"}},
-         "flatpak uninstall --system --unused -y\nflatpak uninstall --user --unused -y\n",
+         {"flatpak"},
+         "flatpak uninstall --user --unused -y\n",
          "flatpak uninstall --system --unused -y",
+         {1, "", " error: not allowed \n"},
          "error: not allowed"},
         {"tm",
-         {{"snapper", snapperWithSnapshots(2)}},
-         "snapper -c root list\nsnapper -c root --csvout list --columns number\nsnapper -c root delete 1\n"
-         "snapper -c root delete 2\n",
+         {"snapper"},
+         "",
          LinuxCommands::find(area("tm").action->shell)->steps.front().shell,
-         std::nullopt},
-        // Without a Snapper configuration for the root file system, Timeshift's.
-        {"tm",
-         {{"snapper", "exit 1"}, {"timeshift", ""}},
-         "snapper -c root list\ntimeshift --delete-all --scripted --yes\n",
-         LinuxCommands::find(area("tm").action->shell)->steps.front().shell,
+         done,
          std::nullopt},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.id + " with " + c.standIns.front().first);
-        for (const auto& [tool, body] : c.standIns)
-            sharedHome().installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log) + "\n" + body);
-        AuthorizationToolRecorder recorder{realScriptRunner()};
+        SCOPED_TRACE(c.id);
+        for (const std::string& tool : c.tools)
+            installNoting(log, tool);
+        AuthorizationToolRecorder recorder{answering(c.adminAnswer)};
         EXPECT_EQ(SystemDataAnalyzer::perform(*area(c.id).action), c.message);
-        EXPECT_EQ(readFile(log), c.calls);
-        ::unlink(log.c_str());
+        EXPECT_EQ(takeLog(log), c.userCalls);
         ASSERT_EQ(recorder.calls().size(), 1u);
         EXPECT_EQ(recorder.calls()[0].script, "#!/bin/sh\n" + c.adminScript + "\n");
         EXPECT_EQ(recorder.calls()[0].prompt,
                   "Veltro needs administrator privileges to: " + area(c.id).action->title);
     }
+}
+
+// Snapshots are Snapper's where it has a configuration for the root file system, else
+// Timeshift's: the count and the deletion, run here as the user with stand-ins.
+TEST(SystemDataPerform, SnapshotsAreSnappersWithARootConfigurationElseTimeshifts) {
+    const std::string log = sharedHome().path("calls.log");
+    const std::string count =
+        SystemDataAnalyzer::measuredEntries(SystemDataAreas::entries()).front().countCommand;
+    const std::string deletion = LinuxCommands::find(area("tm").action->shell)->steps.front().shell;
+    installNoting(log, "snapper", snapperWithSnapshots(2));
+    EXPECT_EQ(Text::trimmed(Shell::run(count, 10).standardOutput), "2");
+    takeLog(log);
+    EXPECT_EQ(Shell::run(deletion, 10).status, 0);
+    EXPECT_EQ(takeLog(log), "snapper -c root list\nsnapper -c root --csvout list --columns number\n"
+                            "snapper -c root delete 1\nsnapper -c root delete 2\n");
+
+    installNoting(log, "snapper", "exit 1");
+    installNoting(log, "timeshift",
+                  "[ \"$1\" = --list ] && printf 'Num     Name                 Tags  Description\\n------\\n"
+                  "0    >  2024-05-01_10-00-01  O\\n1    >  2024-05-02_10-00-01  D\\n'; exit 0");
+    EXPECT_EQ(Text::trimmed(Shell::run(count, 10).standardOutput), "2");
+    takeLog(log);
+    EXPECT_EQ(Shell::run(deletion, 10).status, 0);
+    EXPECT_EQ(takeLog(log), "snapper -c root list\ntimeshift --delete-all --scripted --yes\n");
 }
 
 // What cannot run here is refused with the reason, never reported as done.

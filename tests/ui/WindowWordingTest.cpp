@@ -52,12 +52,15 @@ protected:
 };
 
 TEST_F(WindowWording, NoScreenOrSheetNamesTheOtherPlatform) {
-    // Snapshots to delete (an administrator's item), and a batch that removes nothing:
-    // the result reports the failure. The measurement runs for real.
+    // Snapshots to delete (an administrator's item); a batch that removes nothing, so
+    // the result reports the failure; a measurement that finds every area.
     home().installTool("snapper", snapperWithSnapshots(1));
-    ScopedAuthorizationTool tool([](const std::string& script, const std::string& prompt, double timeout) {
-        return readFile(script).find("emit()") != std::string::npos
-                   ? runScriptAsCurrentUser(script, prompt, timeout)
+    ScopedAuthorizationTool tool([](const Privileged::Launch& launch) {
+        return launch.request.mode == WorkList::measureMode
+                   ? Shell::Output{0,
+                                   "tm|1\nvm|0\nunifiedlogs|9\nspotlight|8\nsimruntimes|7\nvmdisks|6\n"
+                                   "folders|5\nassets|4\ndbother|3\nappsupport|2\ncontainers|1\nmailmsg|1\n",
+                                   ""}
                    : Shell::Output{0, "", ""};
     });
     ASSERT_TRUE(scanToEnd());
