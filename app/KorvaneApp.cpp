@@ -1,5 +1,6 @@
 #include "app/KorvaneApp.h"
 
+#include "app/LinuxWording.h"
 #include "app/ScreenshotTour.h"
 #include "model/AppModel.h"
 #include "removal/Privileged.h"
@@ -46,6 +47,8 @@ int KorvaneApp::run(int argc, char* argv[]) {
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Veltro"));
     QGuiApplication::setApplicationVersion(QStringLiteral(VELTRO_VERSION));
+    // Before the model, whose catalogues read their texts once.
+    LinuxWording::install(app);
     QGuiApplication::setDesktopFileName(QStringLiteral("app.veltro.Veltro"));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/app/app.veltro.Veltro.svg")));
     QGuiApplication::setQuitOnLastWindowClosed(true);

@@ -6,7 +6,7 @@
 #include "catalogue/CleanupRules.h"
 #include "model/CleanPlan.h"
 #include "model/ItemKey.h"
-#include "systemdata/SystemDataCatalog.h"
+#include "systemdata/SystemDataAreas.h"
 
 #include <QColor>
 
@@ -15,7 +15,9 @@
 
 namespace {
 
-QColor colorOf(const Rgb& rgb) { return QColor::fromRgbF(float(rgb.red), float(rgb.green), float(rgb.blue)); }
+QColor colorOf(const Rgb& rgb) {
+    return QColor::fromRgbF(float(rgb.red), float(rgb.green), float(rgb.blue));
+}
 
 QVariantMap categoryMap(const CleanCategory& category) {
     return {
@@ -54,7 +56,8 @@ QVariantList AppModel::ranking() const {
     if (ranked.size() > 8)
         ranked.resize(8);
     const double largest =
-        ranked.empty() ? 1.0 : std::max<double>(1.0, double(totalSize(QString::fromStdString(ranked.front()->id))));
+        ranked.empty() ? 1.0
+                       : std::max<double>(1.0, double(totalSize(QString::fromStdString(ranked.front()->id))));
     QVariantList out;
     for (const CleanCategory* category : ranked) {
         const QString id = QString::fromStdString(category->id);
@@ -145,7 +148,7 @@ QVariantMap AppModel::lastResultInfo() const {
 
 QVariantList AppModel::systemEntries() const {
     QVariantList out;
-    for (const SystemDataEntry& entry : SystemDataCatalog::entries()) {
+    for (const SystemDataEntry& entry : SystemDataAreas::entries()) {
         QStringList paths;
         for (const std::string& path : entry.expandedPaths())
             paths << ItemKey::displayText(path);
@@ -158,6 +161,7 @@ QVariantList AppModel::systemEntries() const {
             {"actionTitle", entry.action ? QString::fromStdString(entry.action->title) : QString()},
             {"actionConfirm", entry.action ? QString::fromStdString(entry.action->confirm) : QString()},
             {"protectedNote", entry.protectedNote ? QString::fromStdString(*entry.protectedNote) : QString()},
+            {"unavailableNote", QString::fromStdString(SystemDataAreas::unavailableReason(entry))},
             {"paths", paths},
         });
     }
@@ -172,9 +176,13 @@ QVariantMap AppModel::systemSizes() const {
     return out;
 }
 
-int AppModel::systemSnapshotCount() const { return systemReport_ ? systemReport_->snapshotCount : 0; }
+int AppModel::systemSnapshotCount() const {
+    return systemReport_ ? systemReport_->snapshotCount : 0;
+}
 
-qint64 AppModel::systemPurgeable() const { return systemReport_ ? systemReport_->purgeable : 0; }
+qint64 AppModel::systemPurgeable() const {
+    return systemReport_ ? systemReport_->purgeable : 0;
+}
 
 qint64 AppModel::systemMeasuredTotal() const {
     qint64 sum = 0;
@@ -208,7 +216,7 @@ QString AppModel::commonLocation(const QString& categoryID) const {
 
 QString AppModel::firstExistingPath(const QString& entryID) const {
     const std::string id = entryID.toStdString();
-    for (const SystemDataEntry& entry : SystemDataCatalog::entries()) {
+    for (const SystemDataEntry& entry : SystemDataAreas::entries()) {
         if (entry.id != id)
             continue;
         for (const std::string& path : entry.expandedPaths()) {

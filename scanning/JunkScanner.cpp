@@ -4,6 +4,7 @@
 #include "scanning/JunkScanner.h"
 
 #include "catalogue/CleanupRules.h"
+#include "catalogue/LinuxCommands.h"
 #include "platform/ByteCount.h"
 #include "platform/Localized.h"
 #include "platform/Paths.h"
@@ -115,21 +116,46 @@ private:
             add(rule, path, std::nullopt, std::nullopt, 0);
     }
 
+    // A command Linux has its own form of takes that form: its installed steps stand
+    // for the text, their tools for `requires`. Other commands run as written.
     void collectCommand(const Rule& rule, const Source::Command& source) {
-        if (source.requires_ && Shell::run("command -v " + shellQuote(*source.requires_), 10).status != 0)
+        std::string shell = source.shell;
+        bool admin = source.admin;
+        if (const LinuxCommand* command = LinuxCommands::find(source.shell)) {
+            const std::vector<LinuxCommandStep> steps =
+                LinuxCommands::installedSteps(*command, Shell::path());
+            if (steps.empty())
+                return;
+            shell.clear();
+            admin = false;
+            for (const LinuxCommandStep& step : steps) {
+                shell += (shell.empty() ? "" : "\n") + step.shell;
+                admin = admin || step.admin;
+            }
+        } else if (source.requires_ &&
+                   Shell::run("command -v " + shellQuote(*source.requires_), 10).status != 0) {
             return;
+        }
         std::optional<std::string> note;
         if (source.note)
             note = localized(*source.note);
         if (source.probe) {
-            const std::string value = Text::trimmed(Shell::run(*source.probe, 30).standardOutput);
+            std::string probe = *source.probe;
+            if (const LinuxCommand* command = LinuxCommands::find(probe)) {
+                const std::vector<LinuxCommandStep> steps =
+                    LinuxCommands::installedSteps(*command, Shell::path());
+                if (steps.empty())
+                    return;
+                probe = steps.front().shell;
+            }
+            const std::string value = Text::trimmed(Shell::run(probe, 30).standardOutput);
             if (value.empty() || value == "0")
                 return;
             note = note ? replacingAll(std::move(*note), "{value}", value) : value;
         }
         commandItems[rule.category.id].push_back(
             ScanItem{source.id, rule.category.id, localized(source.title), std::nullopt, std::nullopt,
-                     std::nullopt, RemovalMethod::makeCommand(source.shell, source.admin), std::move(note)});
+                     std::nullopt, RemovalMethod::makeCommand(std::move(shell), admin), std::move(note)});
     }
 
     // Gives `path` to the rule's category unless a category already owns it or

@@ -184,7 +184,7 @@ TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     const CommandRun purged =
         CommandRun::of(home, {"clean", "--category", "user.caches", "--yes", "--purge"});
     EXPECT_EQ(purged.status, 0) << purged.out << purged.err;
-    EXPECT_NE(purged.out.find("Cleaned 1 Items"), std::string::npos) << purged.out;
+    EXPECT_NE(purged.out.find("Cleaned 1 Item\n"), std::string::npos) << purged.out;
     EXPECT_NE(purged.out.find("Deleted permanently — freed "), std::string::npos) << purged.out;
     EXPECT_FALSE(exists(home.path("Library/Caches/com.example.fresh")));
     EXPECT_FALSE(exists(home.path(".local/share/Trash/files/com.example.fresh")));
