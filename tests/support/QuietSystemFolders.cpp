@@ -13,7 +13,7 @@ bool quietSystemFolders() {
                                    "/media", "/run/media", "/mnt"}) {
             struct stat st {};
             if (::stat(folder, &st) == 0 &&
-                ::mount("veltro-quiet", folder, "tmpfs", MS_NOSUID | MS_NODEV, "size=64m,mode=0755") != 0)
+                ::mount("veltro-quiet", folder, "tmpfs", MS_RDONLY | MS_NOSUID | MS_NODEV, "mode=0755") != 0)
                 return false;
         }
         return true;
