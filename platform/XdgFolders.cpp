@@ -40,7 +40,10 @@ std::optional<std::string> assignedValue(std::string_view line) {
     }
     if (at == line.size())
         return std::nullopt; // no closing quote
-    if (line.substr(at + 1).find_first_not_of(" \t\r") != std::string_view::npos)
+    // As a shell reads it: blanks, then at most a comment.
+    const std::string_view rest = line.substr(at + 1);
+    const size_t next = rest.find_first_not_of(" \t\r");
+    if (next != std::string_view::npos && (next == 0 || rest[next] != '#'))
         return std::nullopt;
     return value;
 }
