@@ -27,9 +27,9 @@ std::string literalPattern(std::string_view folder) {
     while (start <= folder.size()) {
         const size_t end = std::min(folder.find('/', start), folder.size());
         const std::string_view component = folder.substr(start, end - start);
-        const bool special = component.find_first_of("*?[") != std::string_view::npos;
+        const bool hasWildcards = component.find_first_of("*?[") != std::string_view::npos;
         for (char c : component) {
-            if (special && (c == '*' || c == '?' || c == '[' || c == '\\'))
+            if (hasWildcards && (c == '*' || c == '?' || c == '[' || c == '\\'))
                 pattern.push_back('\\');
             pattern.push_back(c);
         }

@@ -12,12 +12,8 @@ namespace {
 std::string folderFromEnvironment(const char* name, std::string_view fallback) {
     // The base directory rules ignore relative values: they would depend on the
     // working folder.
-    if (const char* value = std::getenv(name); value && value[0] == '/') {
-        std::string folder(value);
-        while (folder.size() > 1 && folder.back() == '/')
-            folder.pop_back();
-        return folder;
-    }
+    if (const char* value = std::getenv(name); value && value[0] == '/')
+        return Paths::standardizedPath(value);
     return Paths::join(Environment::homeFolder(), fallback);
 }
 

@@ -10,7 +10,7 @@
 namespace XdgFolders {
 
 // $XDG_CACHE_HOME, $XDG_CONFIG_HOME and $XDG_DATA_HOME when set to an absolute path
-// (trailing "/" removed); otherwise, and for an empty or relative value, the home
+// (standardized: no trailing "/", "." or ".."); otherwise, and for an empty or relative value, the home
 // folder joined with ".cache", ".config" and ".local/share".
 const std::string& cacheHome();
 const std::string& configHome();
