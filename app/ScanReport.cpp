@@ -11,6 +11,7 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace {
 
@@ -51,7 +52,7 @@ QJsonObject itemJson(const ScanItem& item) {
     return object;
 }
 
-void writeJson(const AppModel& model, FILE* out) {
+void writeJson(const AppModel& model, const SearchedPlaces::PerCategory& searched, FILE* out) {
     auto put = [out](const QByteArray& bytes) { std::fwrite(bytes.constData(), 1, bytes.size(), out); };
     auto compact = [](const QJsonObject& object) {
         return QJsonDocument(object).toJson(QJsonDocument::Compact);
@@ -68,6 +69,11 @@ void writeJson(const AppModel& model, FILE* out) {
         entry.insert("selectedByDefault", category.selectedByDefault);
         entry.insert("totalSize", model.totalSize(id));
         entry.insert("items", QJsonArray());
+        QJsonArray folders;
+        if (const auto places = searched.find(category.id); places != searched.end())
+            for (const std::string& folder : places->second)
+                folders.append(ItemKey::displayText(folder));
+        entry.insert("searched", folders);
         // Inside a JSON string every quote is escaped, so the bare key below is the
         // one place the empty list stands.
         const QByteArray shell = compact(entry);
@@ -97,7 +103,7 @@ void writeJson(const AppModel& model, FILE* out) {
     put("\n");
 }
 
-QString text(const AppModel& model, int largestCount) {
+QString text(const AppModel& model, const SearchedPlaces::PerCategory& searched, int largestCount) {
     QString out;
     QTextStream stream(&out);
     stream << QString::fromStdString(
@@ -145,6 +151,12 @@ QString text(const AppModel& model, int largestCount) {
             stream << "\n";
         }
     }
+    std::unordered_set<std::string_view> places;
+    for (const auto& [id, folders] : searched)
+        places.insert(folders.begin(), folders.end());
+    stream << "\n"
+           << QString::fromStdString(localizedFormat("Searched %1 places.", {std::to_string(places.size())}))
+           << "\n";
     return out;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/Environment.h"
 
 #include <cstdlib>
+#include <optional>
 #include <pwd.h>
 #include <unistd.h>
 #include <vector>
@@ -26,10 +27,14 @@ std::string readHomeFolder() {
     return "/";
 }
 
-std::string readTemporaryFolder() {
-    if (const char* tmp = std::getenv("TMPDIR"); tmp && tmp[0] == '/')
-        return withoutTrailingSlashes(tmp);
-    return "/tmp";
+// $TMPDIR when set and absolute; read once.
+const std::optional<std::string>& temporaryFolderSetting() {
+    static const std::optional<std::string> setting = []() -> std::optional<std::string> {
+        if (const char* tmp = std::getenv("TMPDIR"); tmp && tmp[0] == '/')
+            return withoutTrailingSlashes(tmp);
+        return std::nullopt;
+    }();
+    return setting;
 }
 
 } // namespace
@@ -42,8 +47,12 @@ const std::string& homeFolder() {
 }
 
 const std::string& temporaryFolder() {
-    static const std::string tmp = readTemporaryFolder();
+    static const std::string tmp = temporaryFolderSetting().value_or("/tmp");
     return tmp;
+}
+
+bool temporaryFolderIsSet() {
+    return temporaryFolderSetting().has_value();
 }
 
 uid_t realUserID() { return getuid(); }

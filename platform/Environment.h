@@ -14,6 +14,9 @@ const std::string& homeFolder();
 // $TMPDIR when set and absolute (trailing "/" removed), else "/tmp".
 const std::string& temporaryFolder();
 
+// True when the temporary folder came from $TMPDIR rather than the "/tmp" default.
+bool temporaryFolderIsSet();
+
 uid_t realUserID();
 gid_t realGroupID();
 

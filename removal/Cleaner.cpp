@@ -1,6 +1,7 @@
 #include "removal/Cleaner.h"
 
 #include "catalogue/CleanupRules.h"
+#include "catalogue/ProtectedPaths.h"
 #include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/Paths.h"
@@ -87,13 +88,22 @@ bool isRefusedPath(const std::string& path) {
     const std::string standardized = Paths::standardizedPath(path);
     if (standardized.empty() || standardized.front() != '/')
         return true;
-    const std::set<std::string>& protectedPaths = CleanupRules::protectedPaths();
-    if (protectedPaths.contains(standardized) || Paths::componentCount(standardized) < 4)
+    // Temporary files lie directly in the shared temporary folders or the user's own
+    // one, shallower than anything else worth removing: there the depth rule would
+    // refuse every item, so only the protected paths apply.
+    const auto isTooShallow = [](const std::string& candidate) {
+        if (Paths::componentCount(candidate) >= 4)
+            return false;
+        const std::string parent = Paths::parentFolder(candidate);
+        const bool inTemporaryFolder = parent == "/tmp" || parent == "/var/tmp" ||
+                                       (parent == Environment::temporaryFolder() && parent != "/");
+        return !inTemporaryFolder;
+    };
+    if (ProtectedPaths::contains(standardized) || isTooShallow(standardized))
         return true;
     // The same folder reached through a link in the parent chain is still protected.
     const std::string canonical = Paths::canonicalPath(standardized);
-    return canonical != standardized &&
-           (protectedPaths.contains(canonical) || Paths::componentCount(canonical) < 4);
+    return canonical != standardized && (ProtectedPaths::contains(canonical) || isTooShallow(canonical));
 }
 
 // Items are removed at their standardized path, the one the safety check judged:

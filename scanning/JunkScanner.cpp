@@ -5,7 +5,10 @@
 
 #include "catalogue/CleanupRules.h"
 #include "catalogue/LinuxCommands.h"
+#include "catalogue/LinuxLocations.h"
+#include "catalogue/ProtectedPaths.h"
 #include "platform/ByteCount.h"
+#include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
@@ -51,6 +54,12 @@ bool listFolder(const std::string& path, std::vector<std::string>& names) {
     return true;
 }
 
+// An entry that cannot be examined counts as someone else's.
+bool isOwnedByUser(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0 && st.st_uid == Environment::realUserID();
+}
+
 std::string replacingAll(std::string text, std::string_view placeholder, std::string_view value) {
     for (size_t at = text.find(placeholder); at != std::string::npos;
          at = text.find(placeholder, at + value.size()))
@@ -71,7 +80,7 @@ public:
                 return false;
             if (rule.needsFullDiskAccess && !options_.hasFullDiskAccess)
                 continue;
-            for (const Source& source : rule.sources) {
+            for (const Source& source : LinuxLocations::sourcesOf(rule)) {
                 if (const auto* children = std::get_if<Source::Children>(&source.value))
                     collectChildren(rule, *children);
                 else if (const auto* items = std::get_if<Source::Items>(&source.value))
@@ -94,6 +103,7 @@ private:
         if (source.olderThanDays)
             cutoff =
                 Dates::now() - std::chrono::seconds(static_cast<int64_t>(*source.olderThanDays) * 86'400);
+        const bool onlyOwnEntries = LinuxLocations::offersOnlyOwnEntries(rule);
         for (const std::string& folder : PathGlob::expand(source.pattern)) {
             std::vector<std::string> names;
             if (!isDirectoryNoFollow(folder) || !listFolder(folder, names))
@@ -102,6 +112,8 @@ private:
                 if (source.exclude.contains(name) || name == ".DS_Store" || name == ".localized")
                     continue;
                 const std::string child = Paths::join(folder, name);
+                if (onlyOwnEntries && !isOwnedByUser(child))
+                    continue;
                 const std::optional<Date> date =
                     source.dateKey == Source::DateKey::modified ? modDate(child) : addedDate(child);
                 if (cutoff && date && *date > *cutoff)
@@ -164,7 +176,7 @@ private:
     void add(const Rule& rule, const std::string& path, std::optional<Date> modified,
              std::optional<std::string> note, int depth) {
         const std::string canonical = Paths::canonicalPath(path);
-        if (CleanupRules::protectedPaths().contains(canonical) || claims.isCovered(canonical))
+        if (ProtectedPaths::contains(canonical) || claims.isCovered(canonical))
             return;
         if (claims.hasClaimedDescendant(canonical)) {
             std::vector<std::string> names;

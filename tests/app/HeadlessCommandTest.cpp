@@ -78,8 +78,9 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
     const QJsonArray categories = root["categories"].toArray();
     ASSERT_EQ(categories.size(), 22);
 
-    const std::set<QString> categoryKeys{"id",        "group", "title", "risk", "selectedByDefault",
-                                         "totalSize", "items"};
+    const std::set<QString> categoryKeys{"id",        "group", "title",   "risk", "selectedByDefault",
+                                         "totalSize", "items", "searched"};
+    std::set<QString> searched;
     const std::set<QString> itemKeys{"id",     "name",    "path",  "size", "modified",
                                      "method", "command", "admin", "note"};
     std::map<std::string, QJsonObject> byPath; // the exact path bytes of every item with a path
@@ -107,7 +108,17 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
                 brew = item;
         }
         EXPECT_EQ(category["totalSize"].toInteger(), total);
+        for (const QJsonValue& folder : category["searched"].toArray())
+            searched.insert(folder.toString());
+        if (category["id"] == QStringLiteral("user.caches")) {
+            EXPECT_EQ(category["searched"], QJsonArray{QString::fromStdString(home.path("Library/Caches"))});
+        }
     }
+    // The text report counts each folder once, whichever categories searched it.
+    const CommandRun text = CommandRun::of(home, {"scan"});
+    EXPECT_NE(text.out.find("\nSearched " + std::to_string(searched.size()) + " places.\n"),
+              std::string::npos)
+        << text.out;
 
     for (const std::string& name : names) {
         const std::string path = Paths::canonicalPath(home.path("Library/Caches/" + name));

@@ -122,31 +122,6 @@ TEST(JunkScanner, SplittingStopsFourLevelsDown) {
     EXPECT_EQ(scan.item(tmp), nullptr);
 }
 
-TEST(JunkScanner, ProtectedPathsAreNeverItemsButTheirEntriesAre) {
-    FakeHome home;
-    // The temporary folder is the home folder itself, so the temporary files rule
-    // meets the protected folders of the home as children.
-    ::setenv("TMPDIR", home.home().c_str(), 1);
-    home.makeFile("Library/Caches/com.example.app/cache.db", "db");
-    const std::string download = home.makeFile("Downloads/installer.dmg", "dmg");
-    home.makeFile(".cache/tool/blob", "blob");
-    home.makeFile("Documents/letter.txt", "letter");
-    home.makeFile("project/main.c", "int main;");
-    setModified(download, daysAgo(200));
-    for (const char* folder : {"Library", "Downloads", ".cache", "Documents", "project"})
-        setModified(home.path(folder), daysAgo(10));
-
-    const RecordedScan scan = recordScan(quietOptions());
-
-    EXPECT_EQ(categoryOf(scan, home.path("project")), "user.temp");
-    for (const char* folder : {"Library", "Downloads", ".cache", "Documents", "Library/Caches"})
-        EXPECT_EQ(scan.item(home.path(folder)), nullptr) << folder;
-    EXPECT_EQ(scan.item(home.home()), nullptr);
-    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/com.example.app")), "user.caches");
-    EXPECT_EQ(categoryOf(scan, download), "user.downloads");
-    EXPECT_EQ(categoryOf(scan, home.path(".cache/tool")), "dev.stores");
-}
-
 TEST(JunkScanner, AgeCutoffKeepsTheCutoffItselfAndDropsNewerEntries) {
     FakeHome home;
     const std::string atCutoff = home.makeFile("Downloads/at-cutoff.zip", "a");
