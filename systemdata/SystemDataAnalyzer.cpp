@@ -70,26 +70,51 @@ std::string linuxForm(std::string_view catalogueText) {
     return command && !command->steps.empty() ? command->steps.front().shell : std::string(catalogueText);
 }
 
-// The folders of other entries that lie inside one of `entry`'s folders: each is
-// that entry's to show, so `entry`'s figure leaves them out and no byte counts twice
-// (the logs inside the system databases' folder, the runtimes inside the app data).
+bool liesInside(const std::string& folder, const std::vector<std::string>& containers) {
+    return std::any_of(containers.begin(), containers.end(), [&](const std::string& container) {
+        return folder.size() > container.size() && folder.starts_with(container) &&
+               (container.ends_with('/') || folder[container.size()] == '/');
+    });
+}
+
+// The report takes the logs away from the system databases after measuring, as the
+// logs' row shows them; every other row whose folder lies inside another's is left out
+// of that row's figure by du itself, so no byte counts twice.
+bool subtractedInReport(const SystemDataEntry& container, const SystemDataEntry& inner) {
+    return container.id == "dbother" && inner.id == "unifiedlogs";
+}
+
+// The folders of other entries that lie inside one of `entry`'s folders (the indexes
+// and images of /var/lib, the runtimes and mail of ~/.local/share, the virtual machines
+// among the app containers).
 std::vector<std::string> foldersOfOthersInside(const std::vector<SystemDataEntry>& entries,
                                                const SystemDataEntry& entry) {
     const std::vector<std::string> own = entry.expandedPaths();
     std::vector<std::string> inside;
     for (const SystemDataEntry& other : entries) {
-        if (other.id == entry.id)
+        if (other.id == entry.id || subtractedInReport(entry, other))
             continue;
-        for (const std::string& folder : other.expandedPaths()) {
-            const bool nested = std::any_of(own.begin(), own.end(), [&](const std::string& mine) {
-                return folder.size() > mine.size() && folder.starts_with(mine) &&
-                       (mine.ends_with('/') || folder[mine.size()] == '/');
-            });
-            if (nested && std::find(inside.begin(), inside.end(), folder) == inside.end())
+        for (const std::string& folder : other.expandedPaths())
+            if (liesInside(folder, own) && std::find(inside.begin(), inside.end(), folder) == inside.end())
                 inside.push_back(folder);
-        }
     }
     return inside;
+}
+
+// The folders that `entry` measures besides its own: the logs' folders that lie
+// outside the system databases (the journal, outside /var/lib) are counted with them
+// too, so that taking the whole logs figure away in the report leaves exactly the
+// databases.
+std::vector<std::string> foldersAddedForTheReport(const std::vector<SystemDataEntry>& entries,
+                                                  const SystemDataEntry& entry) {
+    std::vector<std::string> added;
+    const std::vector<std::string> own = entry.expandedPaths();
+    for (const SystemDataEntry& other : entries)
+        if (subtractedInReport(entry, other))
+            for (const std::string& folder : other.expandedPaths())
+                if (!liesInside(folder, own))
+                    added.push_back(folder);
+    return added;
 }
 
 // du matches an --exclude pattern against each path it walks; the folder's own wildcard
@@ -146,8 +171,12 @@ SystemDataReport reportFrom(const std::string& output) {
         else
             report.sizes[id] = bytesFromKibibytes(number);
     }
-    // No subtraction here: each figure already leaves out the folders other rows show
-    // (the script's exclusions), so the logs are not taken from the databases twice.
+    // The logs live inside the system databases' folder but have their own row.
+    if (const auto dbother = report.sizes.find("dbother"); dbother != report.sizes.end()) {
+        const auto logs = report.sizes.find("unifiedlogs");
+        const int64_t logBytes = logs == report.sizes.end() ? 0 : logs->second;
+        dbother->second = std::max<int64_t>(0, dbother->second - logBytes);
+    }
     report.purgeable = purgeableSpace();
     return report;
 }
@@ -198,6 +227,8 @@ std::vector<WorkList::MeasuredEntry> measuredEntries(const std::vector<SystemDat
         std::vector<std::string> folders = entry.expandedPaths();
         if (folders.empty())
             continue;
+        const std::vector<std::string> added = foldersAddedForTheReport(entries, entry);
+        folders.insert(folders.end(), added.begin(), added.end());
         // du leaves out what another row shows only when asked in the shell's form.
         if (const std::vector<std::string> inside = foldersOfOthersInside(entries, entry); !inside.empty())
             measured.push_back({entry.id, {}, duCommand(inside, folders)});

@@ -51,11 +51,11 @@ TEST(MeasurementScript, AreasScriptIsExact) {
         "emit 'assets' \"$(du -skx '/System/Library/AssetsV2' '/private/var/MobileAsset' "
         "'/var/lib/snapd/snaps' '/usr/lib/firmware' '/usr/share/fonts'" +
         duTail +
-        "emit 'dbother' \"$(du -skx --exclude='/private/var/db/diagnostics' "
-        "--exclude='/private/var/db/uuidtext' --exclude='/var/lib/plocate' --exclude='/var/lib/mlocate' "
+        "emit 'dbother' \"$(du -skx --exclude='/var/lib/plocate' --exclude='/var/lib/mlocate' "
         "--exclude='/var/lib/flatpak/runtime' --exclude='/var/lib/docker' --exclude='/var/lib/containers' "
         "--exclude='/var/lib/libvirt/images' --exclude='/var/lib/lxd' --exclude='/var/lib/incus' "
-        "--exclude='/var/lib/snapd/snaps' '/private/var/db' '/var/lib'" +
+        "--exclude='/var/lib/snapd/snaps' '/private/var/db' '/var/lib' '/var/log/journal' "
+        "'/run/log/journal'" +
         duTail + "emit 'appsupport' \"$(du -skx --exclude='" + h + "/.local/share/tracker' --exclude='" + h +
         "/.local/share/baloo' --exclude='" + h + "/.local/share/flatpak/runtime' --exclude='" + h +
         "/.local/share/containers' --exclude='" + h + "/.local/share/libvirt/images' --exclude='" + h +

@@ -76,6 +76,23 @@ TEST(SystemDataAnalysis, MeasuresFoldersForRealIncludingQuotedPaths) {
     EXPECT_EQ(delivered, expected);
 }
 
+// The logs have their own row though they lie in the databases' folder: the report
+// takes them away from the databases, never below zero.
+TEST(SystemDataAnalysis, TheDatabasesLeaveOutTheLogs) {
+    sharedHome();
+    const std::vector<std::pair<std::string, std::map<std::string, int64_t>>> cases{
+        {"dbother|10\nunifiedlogs|4\n", {{"dbother", 6144}, {"unifiedlogs", 4096}}},
+        {"dbother|3\nunifiedlogs|4\n", {{"dbother", 0}, {"unifiedlogs", 4096}}},
+        {"dbother|3\n", {{"dbother", 3072}}},
+    };
+    for (const auto& [output, sizes] : cases) {
+        ScopedAuthorizationTool tool(answering({0, output, ""}));
+        const auto analysis = SystemDataAnalyzer::analyze({});
+        ASSERT_TRUE(analysis.report.has_value()) << output;
+        EXPECT_EQ(analysis.report->sizes, sizes) << output;
+    }
+}
+
 // The helper is asked for the areas' measurement; each line it answers reaches the
 // caller at once, each id once.
 TEST(SystemDataAnalysis, DeliversEachEntryAsItIsMeasuredAndEachIdOnce) {
