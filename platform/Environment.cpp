@@ -4,6 +4,7 @@
 #include <optional>
 #include <pwd.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -55,7 +56,22 @@ bool temporaryFolderIsSet() {
     return temporaryFolderSetting().has_value();
 }
 
-uid_t realUserID() { return getuid(); }
-gid_t realGroupID() { return getgid(); }
+namespace {
+std::optional<std::pair<uid_t, gid_t>>& workingUser() {
+    static std::optional<std::pair<uid_t, gid_t>> user;
+    return user;
+}
+} // namespace
+
+uid_t realUserID() {
+    return workingUser() ? workingUser()->first : getuid();
+}
+gid_t realGroupID() {
+    return workingUser() ? workingUser()->second : getgid();
+}
+
+void workFor(uid_t uid, gid_t gid) {
+    workingUser() = std::make_pair(uid, gid);
+}
 
 } // namespace Environment

@@ -1,6 +1,7 @@
 #include "removal/InvokingUser.h"
 
-#include "catalogue/CleanupRules.h"
+#include "catalogue/ProtectedPaths.h"
+#include "platform/Environment.h"
 #include "platform/Paths.h"
 #include "removal/Cleaner.h"
 
@@ -100,6 +101,7 @@ bool InvokingUser::establish(const WorkList::Batch& batch, InvokingUser& user, s
     user.passwordHome = entry.home;
     ::setenv("HOME", user.home.c_str(), 1);
     ::setenv("TMPDIR", user.temporary.c_str(), 1);
+    Environment::workFor(user.uid, user.gid);
     return true;
 }
 
@@ -115,7 +117,7 @@ bool InvokingUser::refuses(const std::string& path) const {
             return true;
         if (!candidate.starts_with(passwordHome + "/"))
             continue;
-        if (CleanupRules::protectedPaths().contains(home + candidate.substr(passwordHome.size())))
+        if (ProtectedPaths::contains(home + candidate.substr(passwordHome.size())))
             return true;
     }
     return false;

@@ -1,4 +1,5 @@
 #include "platform/Trash.h"
+#include "platform/Environment.h"
 #include "platform/TrashInfo.h"
 
 #include "support/FakeHome.h"
@@ -218,7 +219,9 @@ TEST(Trash, CandidateNamesKeepTheInfoFileWithinTheNameLimit) {
 TEST(Trash, DeletingForGoodTakesTheItemsInfoFileAlong) {
     TrashHome home;
     TempTree& tree = home.tree();
-    const std::string mountTrash = "vol/.Trash-" + std::to_string(::getuid());
+    // The privileged helper works for the user who asked, not for root.
+    Environment::workFor(4242, 4242);
+    const std::string mountTrash = "vol/.Trash-4242";
     tree.makeFile("victim/old.trashinfo", "precious");
     struct Case {
         const char* what;
@@ -230,6 +233,7 @@ TEST(Trash, DeletingForGoodTakesTheItemsInfoFileAlong) {
     };
     const std::vector<Case> cases = {
         {"info file is a link", "home/.local/share/Trash", "old", true, false, true},
+        {"a mount's trash of the user worked for", mountTrash, "old", false, false, true},
         {"info/ is a link", mountTrash, "old", false, true, false},
         {"not a trash", "home/Projects", "old", false, false, false},
         {"deeper than files/", "home/.local/share/Trash", "dir/old", false, false, false},
