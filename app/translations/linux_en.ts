@@ -58,6 +58,10 @@
         <translation>/var/cache/apt/archives and other package caches — leftover downloaded updates.</translation>
     </message>
     <message>
+        <source>~/Library/Logs including DiagnosticReports — log files not needed for anything to work.</source>
+        <translation>Old session and display-server logs (~/.xsession-errors.old, ~/.local/share/xorg) and ~/Library/Logs — log files not needed for anything to work.</translation>
+    </message>
+    <message>
         <source>Files in $TMPDIR not modified for more than 3 days.</source>
         <translation>Your own files in /tmp and /var/tmp (or $TMPDIR) not modified for more than 3 days.</translation>
     </message>
