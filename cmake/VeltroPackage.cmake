@@ -23,6 +23,16 @@ add_custom_command(OUTPUT ${man_gz}
 add_custom_target(veltro_manpage ALL DEPENDS ${man_gz})
 install(FILES ${man_gz} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
+# Stripping keeps the compiler's version notes; Debian's own packages drop them too.
+install(CODE "
+    if(CMAKE_INSTALL_DO_STRIP)
+        foreach(program ${CMAKE_INSTALL_BINDIR}/veltro ${CMAKE_INSTALL_LIBEXECDIR}/veltro/veltro-helper)
+            execute_process(COMMAND \"${CMAKE_OBJCOPY}\" --remove-section=.comment
+                \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/\${program}\" COMMAND_ERROR_IS_FATAL ANY)
+        endforeach()
+    endif()
+")
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME veltro)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
@@ -43,13 +53,16 @@ removes what you choose: to the desktop's Trash, permanently, by a tool's own
 clean-up command, or with administrator rights after one polkit prompt.
 A second screen breaks down the system's own storage.")
 # Libraries are found by dpkg-shlibdeps; what is loaded at run time is named here:
-# the QML modules of the window and the polkit agent side of administrator work.
+# the QML modules of the window (the folder dialog's own view needs the folder list
+# model) and pkexec with polkitd for administrator work. du and /bin/sh, which the
+# helper runs, are essential. Links, and folders when no file manager answers on
+# D-Bus, open through xdg-open.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
     "qml6-module-qtqml, qml6-module-qtqml-models, qml6-module-qtqml-workerscript, \
 qml6-module-qtquick, qml6-module-qtquick-controls, qml6-module-qtquick-layouts, \
 qml6-module-qtquick-shapes, qml6-module-qtquick-dialogs, qml6-module-qtquick-templates, \
-qml6-module-qtquick-window, qml6-module-qt-labs-platform, qml6-module-qt-labs-folderlistmodel, \
-pkexec, polkitd")
+qml6-module-qtquick-window, qml6-module-qt-labs-folderlistmodel, pkexec, polkitd")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS xdg-utils)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 include(CPack)
