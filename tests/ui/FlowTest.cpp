@@ -12,34 +12,9 @@
 #include <QQuickItem>
 #include <QRegularExpression>
 
-#include <algorithm>
-#include <filesystem>
-#include <set>
 #include <string>
 
-namespace {
-
-// Items made by views (lists, repeaters) are reached through the visual tree.
-void collect(QQuickItem* under, const QString& name, std::vector<QQuickItem*>* found) {
-    if (!under)
-        return;
-    if (under->objectName() == name && under->isVisible())
-        found->push_back(under);
-    for (QQuickItem* child : under->childItems())
-        collect(child, name, found);
-}
-
-} // namespace
-
-class Flow : public WindowTest {
-protected:
-    std::vector<QQuickItem*> shown(const QString& name) {
-        QCoreApplication::processEvents();
-        std::vector<QQuickItem*> found;
-        collect(window()->contentItem(), name, &found);
-        return found;
-    }
-};
+using Flow = WindowTest;
 
 TEST_F(Flow, ScanTickCleanAndDeleteFromTheTrash) {
     // The desktop's Trash; the old ~/.Trash only holds what the user trashed long ago.
@@ -68,13 +43,9 @@ TEST_F(Flow, ScanTickCleanAndDeleteFromTheTrash) {
 
     // The category screen, reached from the sidebar, ticks both of its items.
     click(item("categoryRow_user.caches"));
-    ASSERT_TRUE(UiHarness::waitFor([&] { return shown("itemRow").size() == 2; }));
-    for (QQuickItem* row : shown("itemRow")) {
-        std::vector<QQuickItem*> checks;
-        collect(row, "itemCheck", &checks);
-        ASSERT_EQ(checks.size(), 1u);
-        click(checks.front());
-    }
+    ASSERT_TRUE(UiHarness::waitFor([&] { return rowsOf("itemList", "itemRow").size() == 2; }));
+    for (QQuickItem* row : rowsOf("itemList", "itemRow"))
+        click(row->findChild<QQuickItem*>("itemCheck"));
     ASSERT_EQ(model().selectedCount("user.caches"), 2);
     EXPECT_EQ(model().selectionCount(), 2);
 

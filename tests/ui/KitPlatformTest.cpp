@@ -1,20 +1,16 @@
-// The support links, revealing a file in the file manager over D-Bus (or opening its
-// folder when none answers), and reading the desktop's reduce-motion wish.
+// Revealing a file in the file manager over D-Bus (or opening its folder when none
+// answers), and reading the desktop's reduce-motion wish.
 
 #include "UiHarness.h"
 
 #include "support/TempTree.h"
 #include "ui/Platform.h"
-#include "ui/SupportLinks.h"
 
 #include <QDBusConnection>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QStandardPaths>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -75,18 +71,6 @@ private:
 
 } // namespace
 
-TEST(KitPlatform, SupportLinksPointIntoTheWebsite) {
-    Platform* platform = Platform::instance();
-    EXPECT_EQ(platform->website(), QUrl(QStringLiteral("https://veltro.app")));
-    EXPECT_EQ(platform->coffee(), QUrl(QStringLiteral("https://veltro.app/#coffee")));
-    EXPECT_EQ(platform->terms(), QUrl(QStringLiteral("https://veltro.app/terms.html")));
-    EXPECT_EQ(platform->privacy(), QUrl(QStringLiteral("https://veltro.app/privacy.html")));
-    EXPECT_EQ(platform->websiteHost(), "veltro.app");
-    EXPECT_EQ(platform->fullDiskAccessHelpUrl().host(), "veltro.app");
-    EXPECT_TRUE(platform->fullDiskAccessHelpUrl().path().startsWith(QStringLiteral("/help/")));
-    EXPECT_EQ(SupportLinks::coffee().fragment(), "coffee");
-}
-
 TEST(KitPlatform, RevealAsksTheFileManagerOrOpensTheParentFolder) {
     PrivateBus bus;
     if (!bus.start())
@@ -135,41 +119,21 @@ TEST(KitPlatform, RevealAsksTheFileManagerOrOpensTheParentFolder) {
     QDBusConnection::disconnectFromBus(QStringLiteral("kit-file-manager"));
 }
 
-TEST(KitPlatform, ReducedMotionFollowsTheDesktopSettingWithinOneSecond) {
-    {
-        FakeGsettings gsettings(
-            "[ \"$*\" = 'get org.gnome.desktop.interface enable-animations' ] && echo false");
-        EXPECT_TRUE(Platform::readDesktopReduceMotion());
-    }
-    {
-        FakeGsettings gsettings("echo true");
-        EXPECT_FALSE(Platform::readDesktopReduceMotion());
-    }
-    {
-        // No such schema: an error, so motion stays on.
-        FakeGsettings gsettings("echo 'No such schema' >&2; exit 1");
-        EXPECT_FALSE(Platform::readDesktopReduceMotion());
-    }
-    {
-        FakeGsettings gsettings("exec sleep 5");
+TEST(KitPlatform, ReducedMotionFollowsTheDesktopSettingWithinItsTimeLimit) {
+    // A missing schema is an error: motion stays on. A tool that hangs is given up on.
+    const std::pair<std::string, bool> answers[] = {
+        {"[ \"$*\" = 'get org.gnome.desktop.interface enable-animations' ] && echo false", true},
+        {"echo true", false},
+        {"echo 'No such schema' >&2; exit 1", false},
+        {"exec sleep 30", false},
+    };
+    for (const auto& [script, reduce] : answers) {
+        FakeGsettings gsettings(script);
         QElapsedTimer timer;
         timer.start();
-        EXPECT_FALSE(Platform::readDesktopReduceMotion(300));
-        EXPECT_LT(timer.elapsed(), 2000);
+        EXPECT_EQ(Platform::readDesktopReduceMotion(300), reduce) << script;
+        EXPECT_LT(timer.elapsed(), 20000) << script;
     }
-}
-
-TEST(KitPlatform, ReduceMotionNotifiesOnlyOnChange) {
-    Platform* platform = Platform::instance();
-    ReduceMotionScope scope(false);
-    QSignalSpy changed(platform, &Platform::reduceMotionChanged);
-    platform->setReduceMotion(false);
-    EXPECT_EQ(changed.count(), 0);
-    platform->setReduceMotion(true);
-    EXPECT_EQ(changed.count(), 1);
-    EXPECT_TRUE(platform->reduceMotion());
-    platform->setReduceMotion(true);
-    EXPECT_EQ(changed.count(), 1);
 }
 
 #include "KitPlatformTest.moc"

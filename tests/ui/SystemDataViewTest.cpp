@@ -14,8 +14,8 @@
 
 #include <QQuickItem>
 
-#include <fstream>
-#include <sys/stat.h>
+#include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -23,14 +23,6 @@ namespace {
 const QStringList reducibleIDs{"tm", "unifiedlogs", "spotlight", "simruntimes"};
 const QStringList managedIDs{"vm",      "vmdisks",    "folders",    "assets",
                              "dbother", "appsupport", "containers", "mailmsg"};
-
-int linesIn(const std::string& path) {
-    std::ifstream file(path);
-    int lines = 0;
-    for (std::string line; std::getline(file, line);)
-        ++lines;
-    return lines;
-}
 
 } // namespace
 
@@ -56,59 +48,45 @@ protected:
 TEST_F(SystemData, UnmeasuredEverySizeIsUnknown) {
     home().makeDir("Library/Mail");
     showScreen();
-
-    EXPECT_EQ(text("systemSubtitle"), "What macOS files under “System Data” in Settings → Storage.");
     EXPECT_FALSE(visible("systemMessage"));
     const auto expectUnmeasured = [&] {
         EXPECT_EQ(text("analyzeButton"), "Analyze");
         EXPECT_EQ(text("systemTotal"), "0 KB");
         EXPECT_FALSE(visible("compositionBar"));
-        EXPECT_EQ(read("systemNote", "text").toString(), "Needs your administrator password · read-only");
         for (const QString& id : reducibleIDs + managedIDs)
             EXPECT_EQ(sizeText(id), "—") << id.toStdString();
     };
     expectUnmeasured();
 
+    // Rows in catalogue order within their sections; the reason to keep hands off for
+    // managed areas, the explanation and the action otherwise; an action whose tool is
+    // not installed waits, saying which tool it needs.
     const QVariantList entries = model().systemEntries();
-    ASSERT_EQ(entries.size(), 12);
-    for (const QVariant& value : entries) {
-        const QVariantMap entry = value.toMap();
-        const QString id = entry["id"].toString();
-        const bool actionable = reducibleIDs.contains(id);
-        ASSERT_TRUE(actionable || managedIDs.contains(id)) << id.toStdString();
-        EXPECT_EQ(text("systemTitle_" + id), entry["title"].toString());
-        // The reason to keep hands off for managed areas, the explanation otherwise.
-        EXPECT_EQ(text("systemNote_" + id),
-                  actionable ? entry["detail"].toString() : entry["protectedNote"].toString());
-        EXPECT_EQ(read("systemAction_" + id, "visible").toBool(), actionable) << id.toStdString();
-        if (actionable) {
-            EXPECT_EQ(text("systemAction_" + id), entry["actionTitle"].toString());
-            // An action whose tool is not installed waits, saying which tool it needs.
-            const QString missing = entry["unavailableNote"].toString();
-            EXPECT_EQ(actionEnabled(id), missing.isEmpty()) << id.toStdString();
-            EXPECT_EQ(visible("systemUnavailable_" + id), !missing.isEmpty()) << id.toStdString();
-            EXPECT_EQ(text("systemUnavailableText_" + id), missing);
-        }
-    }
-    // Rows stand in catalogue order within their sections.
+    ASSERT_EQ(entries.size(), reducibleIDs.size() + managedIDs.size());
     qreal lastY = -1;
     for (const QString& id : reducibleIDs + managedIDs) {
-        QQuickItem* row = item("systemRow_" + id);
-        ASSERT_NE(row, nullptr);
-        const qreal y = row->mapToScene(QPointF(0, 0)).y();
+        const auto entry = std::find_if(entries.begin(), entries.end(), [&](const QVariant& e) {
+                               return e.toMap()["id"] == id;
+                           })->toMap();
+        const bool actionable = reducibleIDs.contains(id);
+        EXPECT_EQ(text("systemNote_" + id), entry[actionable ? "detail" : "protectedNote"].toString());
+        EXPECT_EQ(visible("systemAction_" + id), actionable) << id.toStdString();
+        const QString missing = entry["unavailableNote"].toString();
+        if (actionable) {
+            EXPECT_EQ(actionEnabled(id), missing.isEmpty()) << id.toStdString();
+            EXPECT_EQ(text("systemUnavailableText_" + id), missing);
+        }
+        const qreal y = item("systemRow_" + id)->mapToScene(QPointF(0, 0)).y();
         EXPECT_GT(y, lastY) << id.toStdString();
         lastY = y;
     }
-
     // Only an area with a folder that exists can be shown in the file viewer.
     EXPECT_TRUE(visible("systemReveal_mailmsg"));
     EXPECT_FALSE(visible("systemReveal_vm"));
-    EXPECT_FALSE(visible("systemReveal_tm"));
 
     ScopedAuthorizationTool tool(answering({1, "", "-128: the dialog was dismissed"}));
     clickOnScreen("analyzeButton");
     ASSERT_TRUE(analysisEnds());
-    EXPECT_TRUE(visible("systemMessage"));
     EXPECT_EQ(read("systemMessage", "text").toString(), "Authentication was cancelled");
     expectUnmeasured();
 }
@@ -126,14 +104,12 @@ TEST_F(SystemData, AnAnalysisFillsTheSizesAndTheSnapshotCount) {
     EXPECT_TRUE(visible("analyzeBusy"));
     EXPECT_TRUE(visible("compositionBar"));
     EXPECT_TRUE(visible("systemMeasuring_vm"));
-    EXPECT_TRUE(visible("systemMeasuring_tm"));
     EXPECT_FALSE(visible("systemSize_vm"));
     ASSERT_TRUE(analysisEnds());
 
     EXPECT_EQ(text("analyzeButton"), "Re-analyze");
     EXPECT_FALSE(visible("analyzeBusy"));
     EXPECT_FALSE(visible("systemMeasuring_vm"));
-    EXPECT_TRUE(model().systemMessage().isEmpty());
     EXPECT_FALSE(visible("systemMessage"));
     const QVariantMap sizes = model().systemSizes();
     ASSERT_TRUE(sizes.contains("mailmsg"));
@@ -146,22 +122,20 @@ TEST_F(SystemData, AnAnalysisFillsTheSizesAndTheSnapshotCount) {
     EXPECT_EQ(read("systemNote", "text").toString(), "");
     // The bar holds only what measured above zero.
     const QStringList order = read("compositionBar", "order").toStringList();
-    EXPECT_TRUE(order.contains("mailmsg"));
-    EXPECT_FALSE(order.contains("vm"));
-    EXPECT_FALSE(order.contains("tm"));
+    EXPECT_TRUE(order.contains("mailmsg") && !order.contains("vm") && !order.contains("tm"));
     // No snapshots: "None", and nothing to delete.
     EXPECT_EQ(sizeText("tm"), "None");
-    EXPECT_EQ(text("systemAction_tm"), "Delete All Snapshots");
     EXPECT_FALSE(actionEnabled("tm"));
 }
 
 TEST_F(SystemData, EqualAreasKeepCatalogueOrderInTheCompositionBar) {
-    // The tool answers for the script: every area 100 KiB, and two snapshots to delete.
+    // The tool answers for the script: every area 100 KiB (the databases' folder holds the
+    // logs', which are taken away), and two snapshots to delete.
     home().installTool("snapper", snapperWithSnapshots(2));
     ScopedAuthorizationTool tool(
         answering({0,
                    "vm|100\nunifiedlogs|100\nspotlight|100\nsimruntimes|100\nvmdisks|100\n"
-                   "folders|100\nassets|100\ndbother|100\nappsupport|100\ncontainers|100\n"
+                   "folders|100\nassets|100\ndbother|200\nappsupport|100\ncontainers|100\n"
                    "mailmsg|100\ntm|2\n",
                    ""}));
     showScreen();
@@ -184,33 +158,26 @@ TEST_F(SystemData, EqualAreasKeepCatalogueOrderInTheCompositionBar) {
 TEST_F(SystemData, AnActionRunsOnlyAfterContinueAndOneAtATime) {
     // The system's runtimes cannot go (the helper's answer); the user's are tried.
     ScopedAuthorizationTool tool(answering({3, "", "error: nothing unused"}));
-    const std::string marker = home().path("flatpak-runs");
-    home().installTool("flatpak", "echo run >> " + shellQuote(marker) + "\nsleep 1");
+    // The user's part runs until the test lets it end (or a minute passes).
+    const std::string marker = home().path("flatpak-runs"), release = home().path("flatpak-may-end");
+    home().installTool("flatpak", "echo run >> " + shellQuote(marker) + "\nfor i in $(seq 1200); do [ -e " +
+                                      shellQuote(release) + " ] && break; sleep 0.05; done");
     home().installTool("journalctl", "exit 0");
     showScreen();
 
-    // Cancel: nothing runs.
-    clickOnScreen("systemAction_simruntimes");
-    ASSERT_TRUE(UiHarness::waitFor([&] { return read("systemActionDialog", "opened").toBool(); }));
-    EXPECT_EQ(text("systemActionTitle"), "Delete Runtimes Unused for 30 Days");
-    EXPECT_EQ(text("systemActionMessage"),
-              "Deleted runtimes must be re-downloaded from Xcode → Settings → Platforms if needed.");
-    click(item("systemActionCancel"));
-    ASSERT_TRUE(UiHarness::waitFor([&] { return !read("systemActionDialog", "visible").toBool(); }));
-    EXPECT_TRUE(read("systemDataView", "pending").isNull());
-
-    // Escape dismisses it the same way.
-    clickOnScreen("systemAction_unifiedlogs");
-    ASSERT_TRUE(UiHarness::waitFor([&] { return read("systemActionDialog", "opened").toBool(); }));
-    EXPECT_EQ(text("systemActionTitle"), "Erase All Logs (log erase)");
-    key(Qt::Key_Escape);
-    ASSERT_TRUE(UiHarness::waitFor([&] { return !read("systemActionDialog", "visible").toBool(); }));
-    EXPECT_TRUE(read("systemDataView", "pending").isNull());
+    // Cancel and Escape: nothing runs.
+    auto dismissed = [&](const char* action, const std::function<void()>& dismiss) {
+        clickOnScreen(action);
+        ASSERT_TRUE(UiHarness::waitFor([&] { return read("systemActionDialog", "opened").toBool(); }));
+        dismiss();
+        ASSERT_TRUE(UiHarness::waitFor([&] { return !read("systemActionDialog", "visible").toBool(); }));
+        EXPECT_TRUE(read("systemDataView", "pending").isNull());
+    };
+    dismissed("systemAction_simruntimes", [&] { click(item("systemActionCancel")); });
+    dismissed("systemAction_unifiedlogs", [&] { key(Qt::Key_Escape); });
 
     // Without its tools an action cannot be started at all.
-    if (!model().systemEntries()[3].toMap()["unavailableNote"].toString().isEmpty()) {
-        EXPECT_EQ(text("systemUnavailableText_spotlight"),
-                  "None of these is installed: updatedb, tracker3, balooctl");
+    if (!actionEnabled("spotlight")) {
         click(item("systemAction_spotlight"));
         EXPECT_FALSE(read("systemActionDialog", "visible").toBool());
         EXPECT_TRUE(read("systemDataView", "pending").isNull());
@@ -231,8 +198,9 @@ TEST_F(SystemData, AnActionRunsOnlyAfterContinueAndOneAtATime) {
     for (const QString& id : reducibleIDs)
         EXPECT_FALSE(actionEnabled(id)) << id.toStdString();
 
+    home().makeFile("flatpak-may-end");
     ASSERT_TRUE(UiHarness::waitFor([&] { return model().systemRunningEntry().isEmpty(); }, 30000));
-    EXPECT_EQ(linesIn(marker), 1);
+    EXPECT_EQ(readFile(marker), "run\n");
     EXPECT_FALSE(visible("systemActionBusy_simruntimes"));
     EXPECT_TRUE(visible("systemMessage"));
     EXPECT_EQ(read("systemMessage", "text").toString(),

@@ -2,6 +2,7 @@
 
 #include "ui/Platform.h"
 #include "ui/UiServices.h"
+#include "ui/WindowSearch.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -50,8 +51,16 @@ bool waitFor(const std::function<bool()>& done, int timeoutMs) {
     return true;
 }
 
-void spin(int ms) {
-    QTest::qWait(ms);
+bool waitForFrames(QQuickWindow* window, int count) {
+    int drawn = 0;
+    const QMetaObject::Connection counting =
+        QObject::connect(window, &QQuickWindow::frameSwapped, window, [&] { ++drawn; });
+    const bool done = waitFor([&] {
+        window->update();
+        return drawn >= count;
+    });
+    QObject::disconnect(counting);
+    return done;
 }
 
 } // namespace UiHarness
@@ -93,6 +102,10 @@ QQmlApplicationEngine& QmlTest::engine() {
         UiServices::install(*engine_);
     }
     return *engine_;
+}
+
+QObject* QmlTest::findNamed(const QString& name) {
+    return WindowSearch::firstNamed(window_, name);
 }
 
 QQuickWindow* QmlTest::loadInWindow(const QByteArray& body, int width, int height) {

@@ -26,11 +26,12 @@ void startRecording();
 QStringList takeMessages();
 
 // Spins the event loop until `done` returns true or `timeoutMs` passes; returns the
-// last value of `done`.
-bool waitFor(const std::function<bool()>& done, int timeoutMs = 3000);
+// last value of `done`. The limit is generous: a machine busy with a build is slow.
+bool waitFor(const std::function<bool()>& done, int timeoutMs = 10000);
 
-// Spins the event loop for `ms` milliseconds.
-void spin(int ms);
+// Spins the event loop until `window` has drawn `count` more frames: long enough for
+// anything that was going to move to have moved, without a fixed time.
+bool waitForFrames(QQuickWindow* window, int count = 3);
 
 } // namespace UiHarness
 
@@ -75,14 +76,14 @@ protected:
     // in scope) and returns it shown, or null with a test failure.
     QQuickWindow* loadInWindow(const QByteArray& body, int width = 400, int height = 300);
 
-    // The object named `name` in the loaded window, or null.
-    template <typename T = QObject> T* find(const QString& name) {
-        return window_ ? window_->findChild<T*>(name) : nullptr;
-    }
+    // The object named `name` in the loaded window (items a Repeater made included), or null.
+    template <typename T = QObject> T* find(const QString& name) { return qobject_cast<T*>(findNamed(name)); }
 
     QQuickWindow* window() const { return window_; }
 
 private:
+    QObject* findNamed(const QString& name);
+
     std::unique_ptr<QQmlApplicationEngine> engine_;
     QQuickWindow* window_ = nullptr;
 };

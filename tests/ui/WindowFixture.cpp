@@ -7,10 +7,12 @@
 
 #include <QCoreApplication>
 #include <QTest>
+#include <QVariantAnimation>
 #include <QtQuickTest/quicktest.h>
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 void WindowTest::SetUp() {
     UiHarness::takeMessages();
@@ -62,20 +64,49 @@ QVariant WindowTest::read(const QString& name, const char* property) {
     return object ? object->property(property) : QVariant();
 }
 
+namespace {
+
+// The ticks of the one animation timer that moves everything animated, counted by an
+// animation that runs for as long as the tests do (one that starts and stops with each
+// wait would make the timer stop twice).
+int animationTicks() {
+    static int ticks = 0;
+    [[maybe_unused]] static QVariantAnimation* const probe = [] {
+        auto* animation = new QVariantAnimation(QCoreApplication::instance());
+        animation->setStartValue(0.0);
+        animation->setEndValue(1.0);
+        animation->setDuration(1000);
+        animation->setLoopCount(-1);
+        QObject::connect(animation, &QVariantAnimation::valueChanged, animation, [] { ++ticks; });
+        animation->start();
+        return animation;
+    }();
+    return ticks;
+}
+
+} // namespace
+
+bool WindowTest::steady(const std::function<bool()>& unchanged) {
+    // Comparing at every tick of the animation timer, not every few milliseconds, a busy
+    // machine that delays the ticks cannot make a moving item look still; a layout
+    // places what changed at its next polish.
+    int seen = animationTicks(), still = 0;
+    return UiHarness::waitFor([&] {
+        window_->update();
+        if (animationTicks() == seen || QQuickTest::qIsPolishScheduled(window_))
+            return false;
+        seen = animationTicks();
+        still = unchanged() ? still + 1 : 0;
+        return still >= 3;
+    });
+}
+
 bool WindowTest::settled(QQuickItem* target) {
-    // A layout places what just became visible at its next polish, and a moving item is
-    // only where it lands once its animation ends: compare samples a frame apart.
     QRectF last;
-    int steady = 0;
-    return target && UiHarness::waitFor(
-                         [&] {
-                             window_->update();
-                             const QRectF place = target->mapRectToScene(target->boundingRect());
-                             const bool same = place == last && !QQuickTest::qIsPolishScheduled(window_);
-                             last = place;
-                             return (steady = same ? steady + 1 : 0) >= 3;
-                         },
-                         5000);
+    return target && steady([&] {
+               const QRectF place = target->mapRectToScene(target->boundingRect());
+               return std::exchange(last, place) == place;
+           });
 }
 
 void WindowTest::click(QQuickItem* target, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
@@ -117,6 +148,20 @@ bool WindowTest::waitForPhase(AppModel::Phase phase, int timeoutMs) {
 bool WindowTest::scanToEnd() {
     model_->scan();
     return UiHarness::waitFor([&] { return model_->phase() != AppModel::Phase::scanning; }, 30000);
+}
+
+std::vector<QQuickItem*> WindowTest::rowsOf(const QString& list, const QString& prefix) {
+    std::vector<QQuickItem*> rows;
+    QQuickItem* view = item(list);
+    auto* content = view ? view->property("contentItem").value<QQuickItem*>() : nullptr;
+    if (!content)
+        return rows;
+    EXPECT_TRUE(QQuickTest::qWaitForPolish(window_));
+    for (QQuickItem* child : content->childItems())
+        if (child->objectName().startsWith(prefix) && child->isVisible() && child->opacity() > 0.99)
+            rows.push_back(child);
+    std::sort(rows.begin(), rows.end(), [](QQuickItem* a, QQuickItem* b) { return a->y() < b->y(); });
+    return rows;
 }
 
 QString WindowTest::someItemKey(const QString& categoryID) {

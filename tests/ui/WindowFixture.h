@@ -16,7 +16,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 class WindowTest : public ::testing::Test {
 protected:
@@ -37,9 +39,11 @@ protected:
     QString text(const QString& name) { return read(name, "text").toString(); }
     bool visible(const QString& name) { return read(name, "visible").toBool(); }
 
-    // Waits until the window has laid out what changed and `item` has stopped moving
-    // (no pending polish, the same place on the screen over a few frames); false when
-    // it keeps moving for 5 s.
+    // Waits until `unchanged` answers true at three animation ticks in a row with no
+    // layout pending; `unchanged` compares what it looks at with its previous call.
+    // False when that takes 10 s.
+    bool steady(const std::function<bool()>& unchanged);
+    // Waits until the window has laid out what changed and `item` has stopped moving.
     bool settled(QQuickItem* item);
     // Real pointer events at the centre of `item`, once it has settled.
     void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton,
@@ -60,6 +64,10 @@ protected:
     std::string idOf(const std::string& relative);
     // Ticks the item with this id, failing the test when the scan did not find it.
     void tick(const std::string& id);
+
+    // The delegates of the list view `list` whose names start with `prefix`, top to
+    // bottom, once the list has placed what changed; rows on their way out are left out.
+    std::vector<QQuickItem*> rowsOf(const QString& list, const QString& prefix);
 
     // The key of one found item of `categoryID`, or "".
     QString someItemKey(const QString& categoryID);

@@ -10,7 +10,6 @@
 #include <QQmlContext>
 #include <QQmlExpression>
 #include <QQuickItem>
-#include <QtQuickTest/quicktest.h>
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -19,6 +18,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <utility>
 
 namespace {
 
@@ -67,16 +67,10 @@ protected:
     // Waits until nothing moves: no layout pending and every named item where it was.
     bool settledAll() {
         Places last;
-        int steady = 0;
-        return UiHarness::waitFor(
-            [&] {
-                window()->update();
-                Places now = places(false);
-                const bool same = now == last && !QQuickTest::qIsPolishScheduled(window());
-                last = std::move(now);
-                return (steady = same ? steady + 1 : 0) >= 3;
-            },
-            10000);
+        return steady([&] {
+            Places now = places(false);
+            return std::exchange(last, now) == now;
+        });
     }
 
     // Named items' places; `inPage`: inside a scrolling page relative to the page's

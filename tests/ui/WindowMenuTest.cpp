@@ -1,34 +1,10 @@
-// The menu bar: its commands in order, enabled by phase and selection, and their
-// shortcuts.
+// The menu bar: the links of the application and help menus, and the scan menu's
+// commands, enabled by phase and selection, with their shortcuts.
 
 #include "UiHarness.h"
 #include "WindowFixture.h"
 
-#include <QStringList>
-
-namespace {
-
-QStringList itemTexts(QObject* menu) {
-    QStringList texts;
-    const int count = menu->property("count").toInt();
-    for (int i = 0; i < count; ++i) {
-        QQuickItem* entry = nullptr;
-        QMetaObject::invokeMethod(menu, "itemAt", Q_RETURN_ARG(QQuickItem*, entry), Q_ARG(int, i));
-        texts << (entry ? entry->property("text").toString() : QStringLiteral("?"));
-    }
-    return texts;
-}
-
-} // namespace
-
-TEST_F(WindowTest, MenusHoldTheirCommandsInOrder) {
-    EXPECT_EQ(read("applicationMenu", "title").toString(), "Veltro");
-    EXPECT_EQ(itemTexts(find("applicationMenu")).first(), "Buy Me a Coffee…");
-    EXPECT_EQ(itemTexts(find("scanMenu")), (QStringList{"Rescan", "Stop Scan", "", "Select Recommended",
-                                                        "Deselect All", "Clean Selected Items…"}));
-    EXPECT_EQ(itemTexts(find("helpMenu")),
-              (QStringList{"Veltro Website", "Buy Me a Coffee…", "", "Terms of Use", "Privacy Policy"}));
-
+TEST_F(WindowTest, MenusOpenTheWebsitesPages) {
     UrlRecorder opened;
     for (const char* name : {"menuCoffee", "menuWebsite", "menuHelpCoffee", "menuTerms", "menuPrivacy"})
         QMetaObject::invokeMethod(find(name), "triggered");

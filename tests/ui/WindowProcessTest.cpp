@@ -1,16 +1,13 @@
 // The application as a process: the window's own run (which also shows that closing
-// the window ends the process), the commands that must not need a display, and the
-// desktop integration files.
+// the window ends the process) and the commands that must not need a display.
 
 #include "support/FakeHome.h"
-#include "support/TempTree.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
-#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -45,10 +42,6 @@ QProcessEnvironment environmentFor(const FakeHome& home) {
     environment.insert("HOME", QString::fromStdString(home.home()));
     environment.insert("TMPDIR", QString::fromStdString(home.tmp()));
     return environment;
-}
-
-QString tool(const char* name) {
-    return QStandardPaths::findExecutable(QString::fromLatin1(name));
 }
 
 } // namespace
@@ -126,38 +119,4 @@ TEST(WindowProcess, CommandsRunWithoutADisplay) {
     ProcessRun unknown = runProcess(VELTRO_BINARY, {"--screenshot-dir"}, environment);
     ASSERT_TRUE(unknown.finished);
     EXPECT_EQ(unknown.exitCode, 2) << "an option without its value is refused before any window opens";
-}
-
-TEST(DesktopIntegration, EntryAndMetadataValidateAndInstall) {
-    const QString source = QStringLiteral(VELTRO_SOURCE_DIR);
-    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-
-    const QString desktopValidate = tool("desktop-file-validate");
-    const QString appstream = tool("appstreamcli");
-    if (desktopValidate.isEmpty() || appstream.isEmpty())
-        GTEST_SKIP() << "desktop-file-utils and appstream are installed by scripts/bootstrap";
-
-    const ProcessRun entry = runProcess(desktopValidate, {source + "/app/veltro.desktop"}, environment);
-    ASSERT_TRUE(entry.finished);
-    EXPECT_EQ(entry.exitCode, 0) << entry.out.toStdString() << entry.err.toStdString();
-    EXPECT_EQ(entry.out.trimmed(), "") << "hints or warnings from desktop-file-validate";
-
-    const ProcessRun metadata = runProcess(
-        appstream, {"validate", "--no-net", source + "/app/app.veltro.Veltro.metainfo.xml"}, environment);
-    ASSERT_TRUE(metadata.finished);
-    EXPECT_EQ(metadata.exitCode, 0) << metadata.out.toStdString() << metadata.err.toStdString();
-
-    TempTree prefix;
-    const QString root = QString::fromStdString(prefix.makeDir("prefix"));
-    const ProcessRun install =
-        runProcess(VELTRO_CMAKE, {"--install", VELTRO_BINARY_DIR, "--prefix", root}, environment);
-    ASSERT_TRUE(install.finished);
-    ASSERT_EQ(install.exitCode, 0) << install.out.toStdString() << install.err.toStdString();
-    for (const char* installed : {"bin/veltro", "share/applications/app.veltro.Veltro.desktop",
-                                  "share/metainfo/app.veltro.Veltro.metainfo.xml",
-                                  "share/icons/hicolor/scalable/apps/app.veltro.Veltro.svg"})
-        EXPECT_TRUE(QFileInfo::exists(root + "/" + installed)) << installed;
-    EXPECT_TRUE(QFileInfo(root + "/bin/veltro").isExecutable());
-    const QImage icon(root + "/share/icons/hicolor/scalable/apps/app.veltro.Veltro.svg");
-    EXPECT_FALSE(icon.isNull()) << "the icon should be a readable SVG";
 }

@@ -4,13 +4,9 @@
 #include "WindowFixture.h"
 #include "ui/Format.h"
 
-#include <QKeySequence>
-
 TEST_F(WindowTest, ToolbarButtonFollowsThePhase) {
     const QString button = QStringLiteral("toolbarButton");
     EXPECT_EQ(text(button), "Scan");
-    EXPECT_EQ(read(button, "symbol").toString(), "arrow.clockwise");
-    EXPECT_EQ(read(button, "helpText").toString(), "Rescan (Ctrl+R)");
     EXPECT_EQ(text("subtitle"), Format::byteCount(model().diskAvailable()) + " available of " +
                                     Format::byteCount(model().diskTotal()));
 
@@ -19,8 +15,6 @@ TEST_F(WindowTest, ToolbarButtonFollowsThePhase) {
     ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
     EXPECT_EQ(text(button), "Stop Scan");
     EXPECT_EQ(read(button, "symbol").toString(), "stop.fill");
-    EXPECT_EQ(read(button, "helpText").toString(), "Stop scanning (Ctrl+.)");
-    EXPECT_TRUE(read(button, "enabled").toBool());
     // The small home may be scanned before the button has settled at its new width.
     if (settled(item(button)) && model().phase() == AppModel::Phase::scanning) {
         clickNow(item(button));
@@ -34,7 +28,6 @@ TEST_F(WindowTest, ToolbarButtonFollowsThePhase) {
     ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
     ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
     EXPECT_EQ(text(button), "Rescan");
-    EXPECT_EQ(read(button, "symbol").toString(), "arrow.clockwise");
 
     // A clean disables it, and its result sheet closes back into the model's flag.
     const QString key = someItemKey("user.caches");
@@ -60,11 +53,10 @@ TEST_F(WindowTest, RoutesChooseTheDetailScreen) {
         return loaded ? loaded->objectName() : QString();
     };
     EXPECT_EQ(shown(), "overviewView");
-    EXPECT_EQ(window()->title(), "Veltro");
 
+    // An unknown category stays on the overview.
     navigate("category", "no.such.category");
     EXPECT_EQ(shown(), "overviewView");
-    EXPECT_EQ(read("contentView", "shownKind").toString(), "overview");
     EXPECT_EQ(window()->title(), "Veltro");
     EXPECT_TRUE(read("actionBarArea", "visible").toBool());
 
@@ -78,7 +70,6 @@ TEST_F(WindowTest, RoutesChooseTheDetailScreen) {
     EXPECT_TRUE(read("actionBarArea", "visible").toBool());
     auto* logsScreen = screen->property("item").value<QObject*>();
     ASSERT_NE(logsScreen, nullptr);
-    EXPECT_EQ(logsScreen->property("categoryId").toString(), "user.logs");
 
     // Another category gets a screen of its own, not the old one re-pointed.
     QPointer<QObject> previous(logsScreen);

@@ -37,7 +37,7 @@ protected:
 
     // What the screen shows that only the other platform has.
     std::string foreignWords(const char* screen) {
-        UiHarness::spin(50);
+        EXPECT_TRUE(UiHarness::waitForFrames(window()));
         QStringList texts;
         collectTexts(window()->contentItem(), texts);
         EXPECT_GT(texts.size(), 5) << screen;
