@@ -58,61 +58,55 @@ void writeTheme(const QString& root, const QList<QPair<QString, QColor>>& icons)
 TEST(KitFileIcons, FallBackFromTheTypeIconToItsGenericIconToTheBundledOnes) {
     TempTree tree;
     const QString root = QString::fromStdString(tree.root());
-    const QString text1 = root + QStringLiteral("/notes.txt");
-    const QString csv = root + QStringLiteral("/table.csv");
-    const QString folder = root + QStringLiteral("/Folder");
-    const QString oddName = root + QStringLiteral("/odd #1? 100% \u00fc.txt");
-    ASSERT_TRUE(QDir().mkpath(folder));
-    for (const QString& path : {text1, csv, oddName}) {
-        QFile file(path);
+    auto at = [&](const char* name) { return root + QLatin1Char('/') + QString::fromUtf8(name); };
+    ASSERT_TRUE(QDir().mkpath(at("Folder")));
+    for (const char* name : {"notes.txt", "table.csv", "odd #1? 100% ü.txt"}) {
+        QFile file(at(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write("a,b\n1,2\n");
     }
-    // Links to a folder: one named like a text file, one without an extension.
-    const QString textLink = root + QStringLiteral("/alias.txt");
-    const QString bareLink = root + QStringLiteral("/alias");
-    ASSERT_EQ(::symlink(QFile::encodeName(folder).constData(), QFile::encodeName(textLink).constData()), 0);
-    ASSERT_EQ(::symlink(QFile::encodeName(folder).constData(), QFile::encodeName(bareLink).constData()), 0);
+    // Links to a folder: one named like a text file, one without an extension; and a
+    // pipe, which is never opened (that would wait for a writer).
+    for (const char* link : {"alias.txt", "alias"})
+        ASSERT_EQ(
+            ::symlink(QFile::encodeName(at("Folder")).constData(), QFile::encodeName(at(link)).constData()),
+            0);
+    tree.makeFifo("pipe.txt");
 
-    // The bundled icons' colours where the probe looks: the white page of the file,
-    // the blue front of the folder.
-    const QColor bundledFile(255, 255, 255);
-    const QColor bundledFolder(0x6e, 0xa9, 0xec);
-
-    // An empty theme, as on the offscreen platform: only the bundled icons remain.
+    // The bundled icons' colours where the probe looks: the white page of the file, the
+    // blue front of the folder; and a theme's plain-text and generic text icons.
+    const QColor file(255, 255, 255), folder(0x6e, 0xa9, 0xec), plainText(255, 0, 0), genericText(0, 160, 0);
+    writeTheme(root + QStringLiteral("/themes"),
+               {{QStringLiteral("text-plain"), plainText}, {QStringLiteral("text-x-generic"), genericText}});
     const QString noThemes = root + QStringLiteral("/no-themes");
     ASSERT_TRUE(QDir().mkpath(noThemes));
-    QIcon::setThemeSearchPaths({noThemes});
     QIcon::setFallbackSearchPaths({});
-    QIcon::setThemeName(QString());
-    EXPECT_PRED2(near, centre(text1), bundledFile) << text(centre(text1));
-    EXPECT_PRED2(near, centre(folder), bundledFolder) << text(centre(folder));
-    EXPECT_PRED2(near, centre(bareLink), bundledFile) << text(centre(bareLink));
-    // A pipe is never opened (that would wait for a writer).
-    const QString fifo = QString::fromStdString(tree.makeFifo("pipe.txt"));
-    EXPECT_PRED2(near, centre(fifo), bundledFile) << text(centre(fifo));
-
-    // A theme with the plain-text icon and the generic text icon, nothing for folders.
-    const QColor textIcon(255, 0, 0), genericTextIcon(0, 160, 0);
-    const QString themes = root + QStringLiteral("/themes");
-    writeTheme(themes, {{QStringLiteral("text-plain"), textIcon},
-                        {QStringLiteral("text-x-generic"), genericTextIcon}});
-    QIcon::setThemeSearchPaths({themes});
-    QIcon::setThemeName(QStringLiteral("kittest"));
-
-    EXPECT_PRED2(near, centre(text1), textIcon) << text(centre(text1));
-    // text/csv has no icon of its own in the theme: its generic one is used.
-    EXPECT_PRED2(near, centre(csv), genericTextIcon) << text(centre(csv));
-    EXPECT_PRED2(near, centre(folder), bundledFolder) << text(centre(folder));
-    // The links are typed by their names, not as the folder they point to.
-    EXPECT_PRED2(near, centre(textLink), textIcon) << text(centre(textLink));
-    EXPECT_PRED2(near, centre(bareLink), bundledFile) << text(centre(bareLink));
-    EXPECT_PRED2(near, centre(fifo), textIcon) << text(centre(fifo));
-    // Reserved URL characters and non-ASCII letters survive the encoding.
-    EXPECT_PRED2(near, centre(oddName), textIcon) << text(centre(oddName));
-    // A path that does not exist is typed by its name as well.
-    EXPECT_PRED2(near, centre(root + QStringLiteral("/gone.txt")), textIcon);
-
+    struct Case {
+        const char* name;
+        QColor bare, themed; // without an icon theme (as on the offscreen platform), with one
+    };
+    const Case cases[] = {
+        {"notes.txt", file, plainText},
+        // text/csv has no icon of its own in the theme: its generic one is used.
+        {"table.csv", file, genericText},
+        {"Folder", folder, folder},
+        // Links are typed by their names, not as the folder they point to.
+        {"alias.txt", file, plainText},
+        {"alias", file, file},
+        {"pipe.txt", file, plainText},
+        // Reserved URL characters and non-ASCII letters survive the encoding.
+        {"odd #1? 100% ü.txt", file, plainText},
+        // A path that does not exist is typed by its name as well.
+        {"gone.txt", file, plainText},
+    };
+    for (const bool themed : {false, true}) {
+        QIcon::setThemeSearchPaths({themed ? root + QStringLiteral("/themes") : noThemes});
+        QIcon::setThemeName(themed ? QStringLiteral("kittest") : QString());
+        for (const Case& each : cases) {
+            const QColor shown = centre(at(each.name));
+            EXPECT_PRED2(near, shown, themed ? each.themed : each.bare) << each.name << ": " << text(shown);
+        }
+    }
     QIcon::setThemeName(QString());
 }
 

@@ -116,11 +116,8 @@ TEST_F(Sheets, ScopedConfirmNamesItsCategoryAndReturnCleansOnlyIt) {
     EXPECT_FALSE(visible("confirmCommandsRow"));
     EXPECT_EQ(read("confirmPermanentRow", "valueText").toString(), "0 items · 0 KB");
     EXPECT_FALSE(visible("confirmWarnings"));
-    click(item("confirmCancel"));
-    ASSERT_TRUE(closes());
 
     // Return confirms: the sheet goes and only the scoped item is cleaned.
-    ASSERT_TRUE(opens("user.caches"));
     key(Qt::Key_Return);
     ASSERT_TRUE(closes());
     ASSERT_TRUE(UiHarness::waitFor([&] { return model().showResult(); }, 30000));
@@ -168,7 +165,7 @@ TEST_F(Sheets, WarningsNameLargeFilesReviewItemsAndItemsNeedingTheAdministrator)
             EXPECT_EQ(read("warnLarge", "text").toString(),
                       "1 large files selected — make sure you don't need them");
         }
-        key(Qt::Key_Escape);
+        click(item("confirmCancel"));
         ASSERT_TRUE(closes());
     }
 }
