@@ -65,7 +65,7 @@ protected:
     }
 };
 
-TEST_F(CategoryTable, SortsBySizeFirstAndByAnyColumnClicked) {
+TEST_F(CategoryTable, HeadersSortAndTheFieldFiltersNamesAndLocationsWhateverTheCase) {
     scanPackages();
     // Largest first; the command's unknown size sorts after every known one.
     EXPECT_TRUE(shows({gradle, npmLogs, npmCache, brew}));
@@ -88,14 +88,12 @@ TEST_F(CategoryTable, SortsBySizeFirstAndByAnyColumnClicked) {
         click(item(header));
         EXPECT_TRUE(shows(order)) << header;
     }
-}
 
-TEST_F(CategoryTable, FilterMatchesNamesAndLocationsWhateverTheCase) {
-    scanPackages();
+    // The filter keeps that order: by the location ~/.npm, by name, and a command by its
+    // command text; its clear button shows every row again.
     click(item("filterField"));
-    // By the location ~/.npm, by name, and a command by its command text.
     const std::vector<std::pair<QString, QStringList>> filters{
-        {"NPM", {npmLogs, npmCache}}, {"CACHE", {gradle, npmCache}}, {"Prune=", {brew}}};
+        {"NPM", {npmCache, npmLogs}}, {"CACHE", {npmCache, gradle}}, {"Prune=", {brew}}};
     for (const auto& [filter, found] : filters) {
         type(filter);
         EXPECT_EQ(model().categoryTable()->filterText(), filter);
@@ -103,7 +101,7 @@ TEST_F(CategoryTable, FilterMatchesNamesAndLocationsWhateverTheCase) {
     }
     click(item("filterClearButton"));
     EXPECT_EQ(model().categoryTable()->filterText(), "");
-    EXPECT_TRUE(shows({gradle, npmLogs, npmCache, brew}));
+    EXPECT_TRUE(shows({brew, npmCache, npmLogs, gradle}));
 }
 
 TEST_F(CategoryTable, RowsShowLocationNoteBadgeAndIcon) {

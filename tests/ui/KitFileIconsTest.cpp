@@ -109,20 +109,3 @@ TEST(KitFileIcons, FallBackFromTheTypeIconToItsGenericIconToTheBundledOnes) {
     }
     QIcon::setThemeName(QString());
 }
-
-class KitFileIconQml : public QmlTest {};
-
-TEST_F(KitFileIconQml, FileIconLoadsThroughTheProvider) {
-    TempTree tree;
-    const QString path = QString::fromStdString(tree.root()) + QStringLiteral("/a b#c.txt");
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
-    ASSERT_NE(loadInWindow("FileIcon { objectName: \"icon\"; size: 28 }"), nullptr);
-    QObject* icon = find(QStringLiteral("icon"));
-    ASSERT_NE(icon, nullptr);
-    icon->setProperty("path", path);
-    ASSERT_TRUE(UiHarness::waitFor([&] { return icon->property("status").toInt() == 1; }))
-        << icon->property("status").toInt();
-    EXPECT_DOUBLE_EQ(icon->property("implicitWidth").toDouble(), 28.0);
-}

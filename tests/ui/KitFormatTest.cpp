@@ -79,14 +79,3 @@ TEST(KitFormat, RelativeDatesInTheLargestWholeUnit) {
     EXPECT_EQ(Format::relativeDate(QDateTime::currentDateTime().addDays(-1)), "yesterday");
     EXPECT_EQ(Format::relativeDate(QDateTime()), QStringLiteral("\u2014"));
 }
-
-class KitFormatQml : public QmlTest {};
-
-TEST_F(KitFormatQml, ReachableFromQml) {
-    LocaleScope scope(english);
-    ASSERT_NE(
-        loadInWindow("Text { objectName: \"size\"; text: Format.byteCount(0) + \"|\" + Format.percent(0.5) "
-                     "+ \"|\" + Format.relativeDate(new Date(Date.now() - 86400 * 1000)) }"),
-        nullptr);
-    EXPECT_EQ(find(QStringLiteral("size"))->property("text").toString(), "0 KB|50%|yesterday");
-}
