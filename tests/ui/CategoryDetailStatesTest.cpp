@@ -32,22 +32,24 @@ TEST_F(CategoryDetail, EmptyCategoryGoesFromNotScannedThroughWaitingAndScanningT
     EXPECT_EQ(text("categoryTotal"), "—");
     EXPECT_EQ(text("categoryItemCount"), "0 items");
 
+    // While waiting: the category's own tile, pulsing, over the scan's progress.
     std::vector<QString> looks{lookOf(screen)};
+    QString waitingTile;
     auto note = [&] {
-        if (lookOf(screen) != looks.back())
-            looks.push_back(lookOf(screen));
+        if (lookOf(screen) == looks.back())
+            return;
+        looks.push_back(lookOf(screen));
+        if (looks.back() == "scanning:Waiting…")
+            waitingTile = read("scanningIconTile", "symbol").toString() +
+                          (read("scanningIconTile", "pulsing").toBool() ? " pulsing" : "");
     };
     QObject::connect(&model(), &AppModel::phaseChanged, screen, note);
     QObject::connect(&model(), &AppModel::categoryStateChanged, screen, note);
     QObject::connect(&model(), &AppModel::itemsByCategoryChanged, screen, note);
 
-    click(item("startScanButton"));
-    ASSERT_EQ(model().phase(), AppModel::Phase::scanning) << "the prompt's button starts a scan";
-    // While waiting: the category's own tile, pulsing, over the scan's progress.
-    EXPECT_TRUE(read("scanningIconTile", "pulsing").toBool());
-    EXPECT_EQ(read("scanningIconTile", "symbol").toString(), "envelope");
-    EXPECT_EQ(text("scanningStatus"), model().statusText());
+    ASSERT_TRUE(startsScan([&] { click(item("startScanButton")); })) << "the prompt's button starts a scan";
     ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
+    EXPECT_EQ(waitingTile, "envelope pulsing");
 
     EXPECT_EQ(looks,
               (std::vector<QString>{"notScanned", "scanning:Waiting…", "scanning:Scanning…", "allClean"}));
@@ -186,8 +188,7 @@ TEST_F(CategoryDetail, LargeFilesShowOnlyTheirOptionsWhenEmpty) {
     EXPECT_EQ(text("searchLocationsButton"), "Search Locations (1)");
     QMetaObject::invokeMethod(find("searchLocationsMenu"), "close");
 
-    click(item("largeRescanButton"));
-    EXPECT_EQ(model().phase(), AppModel::Phase::scanning);
+    EXPECT_TRUE(startsScan([&] { click(item("largeRescanButton")); }));
     ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
     EXPECT_EQ(content(), "allClean");
     EXPECT_TRUE(visible("largeFileOptions"));

@@ -30,8 +30,7 @@ TEST_F(Flow, ScanTickCleanAndDeleteFromTheTrash) {
     EXPECT_EQ(model().itemCount(), 0);
 
     // Start Scan fills the sidebar and the results.
-    click(item("startScanButton"));
-    ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
+    ASSERT_TRUE(startsScan([&] { click(item("startScanButton")); }));
     ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
     EXPECT_TRUE(UiHarness::waitFor([&] { return !visible("firstRunInvitation"); }));
     const QString cachesTotal = Format::byteCount(model().totalSize("user.caches"));

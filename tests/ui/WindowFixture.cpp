@@ -2,6 +2,7 @@
 
 #include "UiHarness.h"
 #include "platform/Paths.h"
+#include "platform/ShellQuote.h"
 #include "ui/UiServices.h"
 #include "ui/WindowSearch.h"
 
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <unistd.h>
 #include <utility>
 
 void WindowTest::SetUp() {
@@ -44,6 +46,7 @@ void WindowTest::TearDown() {
     engine_.reset();
     QCoreApplication::processEvents();
     // A scan still winding down is stopped and joined by the model's destructor.
+    releaseScans();
     model_.reset();
     const QStringList messages = UiHarness::takeMessages();
     EXPECT_TRUE(messages.isEmpty()) << "Warnings while the test ran:\n" << messages.join('\n').toStdString();
@@ -112,11 +115,6 @@ bool WindowTest::settled(QQuickItem* target) {
 void WindowTest::click(QQuickItem* target, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
     ASSERT_NE(target, nullptr);
     ASSERT_TRUE(settled(target)) << target->objectName().toStdString() << " keeps moving";
-    clickNow(target, button, modifiers);
-}
-
-void WindowTest::clickNow(QQuickItem* target, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
-    ASSERT_NE(target, nullptr);
     const QPointF centre = target->mapToScene(QPointF(target->width() / 2, target->height() / 2));
     QTest::mouseClick(window_, button, modifiers, centre.toPoint());
 }
@@ -143,6 +141,26 @@ void WindowTest::key(int keyCode, Qt::KeyboardModifiers modifiers) {
 
 bool WindowTest::waitForPhase(AppModel::Phase phase, int timeoutMs) {
     return UiHarness::waitFor([&] { return model_->phase() == phase; }, timeoutMs);
+}
+
+void WindowTest::holdScans() {
+    ::unlink(home_.path(".scan-may-end").c_str());
+    home_.installTool("snapper", "i=0\nwhile [ ! -e " + shellQuote(home_.path(".scan-may-end")) +
+                                     " ] && [ $i -lt 400 ]; do sleep 0.05; i=$((i + 1)); done\nexit 1");
+}
+
+void WindowTest::releaseScans() {
+    home_.makeFile(".scan-may-end");
+}
+
+bool WindowTest::startsScan(const std::function<void()>& act) {
+    bool started = false;
+    const QMetaObject::Connection watching =
+        QObject::connect(model_.get(), &AppModel::phaseChanged, window_,
+                         [&] { started |= model_->phase() == AppModel::Phase::scanning; });
+    act();
+    QObject::disconnect(watching);
+    return started;
 }
 
 bool WindowTest::scanToEnd() {

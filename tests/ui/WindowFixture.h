@@ -48,14 +48,19 @@ protected:
     // Real pointer events at the centre of `item`, once it has settled.
     void click(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton,
                Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-    // The same at once, for an item just found settled while a scan may end any moment.
-    void clickNow(QQuickItem* item, Qt::MouseButton button = Qt::LeftButton,
-                  Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     // Scrolls the flickable named `scroller` until `target` lies well inside it, then
     // clicks it; a test failure when it cannot be brought into view.
     void clickInScroller(const QString& scroller, QQuickItem* target);
     void key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
+    // From now on a scan runs until releaseScans(): the snapshot count it asks the
+    // system for waits (20 s at most) for the test to let it end.
+    void holdScans();
+    void releaseScans();
+    // Whether `act` started a scan. Input from QTest spins the event loop, in which a
+    // scan of the small home may already end on a busy machine: what counts is that
+    // the phase passed through scanning, not the phase `act` leaves behind.
+    bool startsScan(const std::function<void()>& act);
     // Starts a scan and waits until it ends (true) or 30 s pass (false).
     bool scanToEnd();
     bool waitForPhase(AppModel::Phase phase, int timeoutMs = 30000);

@@ -41,10 +41,14 @@ TEST_F(WindowTest, ScanMenuEnablesByPhaseAndSelection) {
     trigger("menuStopScan");
     EXPECT_NE(model().phase(), AppModel::Phase::scanning);
 
+    // Ctrl+R starts a scan and Ctrl+. stops one.
+    holdScans();
     key(Qt::Key_R, Qt::ControlModifier);
     ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
     key(Qt::Key_Period, Qt::ControlModifier);
     EXPECT_NE(model().phase(), AppModel::Phase::scanning);
+    releaseScans();
+    ASSERT_TRUE(UiHarness::waitFor([&] { return !model().hasRunningWork(); }, 30000));
 
     ASSERT_TRUE(scanToEnd());
     EXPECT_EQ(state(), (Enabled{true, false, true, false, false}));
