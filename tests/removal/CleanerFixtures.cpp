@@ -32,11 +32,11 @@ void CleanerHomeTest::TearDown() {
 }
 
 std::string CleanerHomeTest::areaFile(const std::string& relative, const std::string& content) const {
-    return home.tree().makeFile(area.substr(home.tree().root().size() + 1) + "/" + relative, content);
+    return home.tree().makeFile(area + "/" + relative, content);
 }
 
 std::string CleanerHomeTest::areaDir(const std::string& relative) const {
-    return home.tree().makeDir(area.substr(home.tree().root().size() + 1) + "/" + relative);
+    return home.tree().makeDir(area + "/" + relative);
 }
 
 ScanItem pathItem(const std::string& path, RemovalMethod method, std::optional<int64_t> size) {

@@ -102,11 +102,13 @@ private:
     std::vector<std::string> frozen_;
 };
 
-// One tree: `build` makes it as plain files (then given to the run's item owner),
-// `arm` adds what only root can (mounts, flags, other owners); both work in `dir`.
+// One tree: `files` below the run's folder (a trailing "/" makes a folder), then given
+// to the run's item owner; `steps` for the helper; `arm` adds what only root can
+// (mounts, flags, other owners).
 struct Scenario {
     const char* name;
-    std::function<std::vector<WorkList::Step>(const std::string& dir, FakeHome& home)> build;
+    std::vector<std::string> files;
+    std::function<std::vector<WorkList::Step>(const std::string& dir, FakeHome& home)> steps;
     std::function<bool(const std::string& dir, FakeHome& home, Arming& arming)> arm;
     std::map<std::string, bool> expected;
     std::string expectedDest; // the dated folder's name when something is moved
@@ -123,12 +125,8 @@ WorkList::Step step(Kind kind, const std::string& key, const std::string& path) 
 const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all = {
         {"MountsInsideItems",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/outside/x/file", "x");
-             for (const char* item : {"/a", "/b"}) {
-                 home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + item + "/keep", "k");
-                 home.tree().makeDir(dir.substr(home.tree().root().size() + 1) + item + "/mnt");
-             }
+         {"outside/x/file", "a/keep", "a/mnt/", "b/keep", "b/mnt/"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::move, "i0", dir + "/a"), step(Kind::remove, "i1", dir + "/b")};
          },
          [](const std::string& dir, FakeHome&, Arming& arming) {
@@ -138,22 +136,16 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", true}, {"i1", false}},
          stampName},
         {"MountOverTheTrash",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/outside/y/file", "y");
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/c", "c");
-             return std::vector{step(Kind::move, "i0", dir + "/c")};
-         },
+         {"outside/y/file", "c"},
+         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/c")}; },
          [](const std::string& dir, FakeHome& home, Arming& arming) {
              return arming.bind(dir + "/outside/y", trashOf(home) + "/files");
          },
          {{"i0", false}},
          ""},
         {"ImmutableFiles",
-         [](const std::string& dir, FakeHome& home) {
-             const std::string relative = dir.substr(home.tree().root().size() + 1);
-             home.tree().makeFile(relative + "/d/keep", "k");
-             home.tree().makeFile(relative + "/d/frozen", "f");
-             home.tree().makeFile(relative + "/e", "e");
+         {"d/keep", "d/frozen", "e"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::remove, "i0", dir + "/d"), step(Kind::move, "i1", dir + "/e")};
          },
          [](const std::string& dir, FakeHome&, Arming& arming) {
@@ -162,10 +154,8 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", false}, {"i1", false}},
          ""},
         {"ReadOnlyMountedParent",
-         [](const std::string& dir, FakeHome& home) {
-             const std::string relative = dir.substr(home.tree().root().size() + 1);
-             home.tree().makeFile(relative + "/ro/moved", "m");
-             home.tree().makeFile(relative + "/ro/deleted", "d");
+         {"ro/moved", "ro/deleted"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::move, "i0", dir + "/ro/moved"),
                                 step(Kind::remove, "i1", dir + "/ro/deleted")};
          },
@@ -175,8 +165,8 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", false}, {"i1", false}},
          ""},
         {"ItemOnAnotherFileSystem",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeDir(dir.substr(home.tree().root().size() + 1) + "/fs");
+         {"fs/"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::move, "i0", dir + "/fs/g"),
                                 step(Kind::remove, "i1", dir + "/fs/h")};
          },
@@ -184,20 +174,16 @@ const std::vector<Scenario>& scenarios() {
              struct stat owner {};
              if (::stat(dir.c_str(), &owner) != 0 || !arming.tmpfs(dir + "/fs"))
                  return false;
-             const std::string relative = dir.substr(home.tree().root().size() + 1);
-             home.tree().makeFile(relative + "/fs/g/inner", "g");
-             home.tree().makeFile(relative + "/fs/h/inner", "h");
+             home.tree().makeFile(dir + "/fs/g/inner", "g");
+             home.tree().makeFile(dir + "/fs/h/inner", "h");
              chownTree(dir + "/fs", owner.st_uid, owner.st_gid);
              return true;
          },
          {{"i0", false}, {"i1", true}},
          ""},
         {"TrashIsALink",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/victim/files/kept", "v");
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/f", "f");
-             return std::vector{step(Kind::move, "i0", dir + "/f")};
-         },
+         {"victim/files/kept", "f"},
+         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/f")}; },
          [](const std::string& dir, FakeHome& home, Arming&) {
              removeTreeForcefully(trashOf(home));
              return ::symlink((dir + "/victim").c_str(), trashOf(home).c_str()) == 0;
@@ -205,11 +191,8 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", false}},
          ""},
         {"TrashFilesIsALink",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/victim/kept", "v");
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/f", "f");
-             return std::vector{step(Kind::move, "i0", dir + "/f")};
-         },
+         {"victim/kept", "f"},
+         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/f")}; },
          [](const std::string& dir, FakeHome& home, Arming&) {
              removeTreeForcefully(trashOf(home) + "/files");
              return ::symlink((dir + "/victim").c_str(), (trashOf(home) + "/files").c_str()) == 0;
@@ -217,23 +200,21 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", false}},
          ""},
         {"DatedFolderTakenAndNamesWithNewlines",
-         [](const std::string& dir, FakeHome& home) {
-             const std::string relative = dir.substr(home.tree().root().size() + 1);
-             home.tree().makeFile(relative + "/j/inner", "j");
-             home.tree().makeFile(relative + "/nl\n", "n");
-             home.tree().makeFile(relative + "/victim/kept", "v");
+         {"j/inner", "nl\n", "victim/kept"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::move, "i0", dir + "/j"), step(Kind::move, "i1", dir + "/nl\n")};
          },
          [](const std::string& dir, FakeHome& home, Arming&) {
              // A stranger's folder of that name, and the next name as a link.
              const std::string files = trashOf(home) + "/files/";
-             home.tree().makeFile(files.substr(home.tree().root().size() + 1) + stampName + "/theirs", "t");
+             home.tree().makeFile(files + stampName + "/theirs", "t");
              chownTree(files + stampName, 12345, 12345);
              return ::symlink((dir + "/victim").c_str(), (files + stampName + " 1").c_str()) == 0;
          },
          {{"i0", true}, {"i1", true}},
          stampName + " 2"},
         {"RefusedPaths",
+         {},
          [](const std::string& dir, FakeHome& home) {
              return std::vector{step(Kind::move, "i0", home.home()), step(Kind::remove, "i1", "/usr"),
                                 step(Kind::remove, "i2", dir + "/../../../.."),
@@ -326,7 +307,10 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
         SCOPED_TRACE(asUser ? "helper running as the user" : "helper running as root for the user");
         resetTrash();
         const std::string dir = areaDir(asUser ? "as-user" : "as-root");
-        const std::vector<WorkList::Step> steps = scenario.build(dir, home);
+        for (const std::string& name : scenario.files)
+            name.ends_with('/') ? home.tree().makeDir(dir + "/" + name)
+                                : home.tree().makeFile(dir + "/" + name, name);
+        const std::vector<WorkList::Step> steps = scenario.steps(dir, home);
         // Items of the system's as root, the user's own otherwise.
         if (asUser)
             chownTree(dir, unprivilegedUid(), unprivilegedGid());

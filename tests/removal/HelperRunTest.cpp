@@ -62,9 +62,9 @@ protected:
 
 TEST_F(HelperRunTest, MeasurementLinesArriveAsEachEntryIsMeasured) {
     const std::string plain = areaDir("plain");
-    home.tree().makeFileOfSize(plain.substr(home.tree().root().size() + 1) + "/a.bin", 200'000);
+    home.tree().makeFileOfSize(plain + "/a.bin", 200'000);
     const std::string quoted = areaDir("it's here");
-    home.tree().makeFileOfSize(quoted.substr(home.tree().root().size() + 1) + "/b.bin", 70'000);
+    home.tree().makeFileOfSize(quoted + "/b.bin", 70'000);
     const std::string marker = area + "/first line seen";
     // The count waits until the first line has reached us: it can only finish if lines
     // are handed over while the helper still works.
@@ -78,7 +78,7 @@ TEST_F(HelperRunTest, MeasurementLinesArriveAsEachEntryIsMeasured) {
     std::vector<std::string> lines;
     const Shell::Output output = Privileged::measure(entries, "Prompt", 120, [&](std::string_view line) {
         lines.emplace_back(line);
-        home.tree().makeFile(marker.substr(home.tree().root().size() + 1));
+        home.tree().makeFile(marker);
     });
 
     const std::vector<std::string> expected = {"plain|" + std::to_string(duKibibytes({plain})), "tm|7",

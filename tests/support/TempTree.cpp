@@ -58,7 +58,9 @@ TempTree::~TempTree() {
 }
 
 std::string TempTree::path(const std::string& relative) const {
-    return relative.empty() ? root_ : root_ + "/" + relative;
+    if (relative.empty() || relative == root_ || relative.starts_with(root_ + "/"))
+        return relative.empty() ? root_ : relative;
+    return root_ + "/" + relative;
 }
 
 std::string TempTree::makeDir(const std::string& relative, mode_t mode) const {

@@ -16,10 +16,11 @@ public:
 
     const std::string& root() const { return root_; }
 
-    // Absolute path of `relative` inside the tree.
+    // Absolute path of `relative` inside the tree; a path already inside it is kept.
     std::string path(const std::string& relative) const;
 
-    // Creates parent folders as needed; returns the absolute path.
+    // Take a path relative to the tree or one inside it; create parent folders as
+    // needed; return the absolute path.
     std::string makeDir(const std::string& relative, mode_t mode = 0755) const;
     std::string makeFile(const std::string& relative, const std::string& content = {}) const;
     // An executable shell script: "#!/bin/sh", then `body`.
