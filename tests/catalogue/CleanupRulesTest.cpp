@@ -1,7 +1,7 @@
 // The rule table's contents are its own documentation; where each rule's paths land is
 // checked by scanning real trees (the scanner and Linux desktop suites). Here: the
-// display order built from the table, what the user caches must leave out, and the
-// commands that change the system.
+// order that decides which rule claims a path, the display order built from it, what
+// the user caches must leave out, and the commands that change the system.
 
 #include "catalogue/CleanupRules.h"
 
@@ -24,6 +24,22 @@ size_t tablePosition(const std::string& id) {
 }
 
 } // namespace
+
+// The scanner gives a path to the first rule that reaches it: the specific rules stand
+// before the general ones that would swallow them.
+TEST(CleanupRules, RulesStandInTableOrder) {
+    catalogueHome();
+    std::vector<std::string> ids;
+    for (const Rule& rule : CleanupRules::rules())
+        ids.push_back(rule.category.id);
+    EXPECT_EQ(ids,
+              (std::vector<std::string>{
+                  "apps.browsers",     "apps.electron",  "apps.sandbox",  "apps.media",  "dev.derived",
+                  "dev.devicesupport", "dev.archives",   "dev.packages",  "dev.stores",  "user.trash",
+                  "user.mail",         "user.ios",       "user.temp",     "user.state",  "user.caches",
+                  "user.logs",         "user.downloads", "system.caches", "system.logs", "system.updates",
+                  "system.snapshots",  "large.files"}));
+}
 
 // Every rule's category once, group by group in the groups' order and in table order
 // within a group, each the very record of its rule (categories compare by id alone).

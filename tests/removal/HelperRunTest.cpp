@@ -96,37 +96,18 @@ TEST_F(HelperRunTest, ListsNotOfTheAskingUserAreRefused) {
     const std::string strangers = home.tree().makeDir("strangers");
     ASSERT_EQ(::chown(strangers.c_str(), 12345, 12345), 0);
     const WorkList::Batch good = batchFor({{Kind::remove, "i0", item}});
+    const auto changed = [&](const std::function<void(WorkList::Batch&)>& change) {
+        WorkList::Batch batch = good;
+        change(batch);
+        return batch;
+    };
     const std::vector<std::pair<const char*, WorkList::Batch>> lists = {
-        {"another uid",
-         [&] {
-             auto b = good;
-             b.uid = 12345;
-             return b;
-         }()},
-        {"a group the user is not in",
-         [&] {
-             auto b = good;
-             b.gid = 12345;
-             return b;
-         }()},
-        {"a home of someone else",
-         [&] {
-             auto b = good;
-             b.home = strangers;
-             return b;
-         }()},
-        {"a temporary folder of someone else",
-         [&] {
-             auto b = good;
-             b.temporary = strangers;
-             return b;
-         }()},
+        {"another uid", changed([](WorkList::Batch& b) { b.uid = 12345; })},
+        {"a group the user is not in", changed([](WorkList::Batch& b) { b.gid = 12345; })},
+        {"a home of someone else", changed([&](WorkList::Batch& b) { b.home = strangers; })},
+        {"a temporary folder of someone else", changed([&](WorkList::Batch& b) { b.temporary = strangers; })},
         {"a home that is not standardized",
-         [&] {
-             auto b = good;
-             b.home = home.home() + "/.";
-             return b;
-         }()},
+         changed([&](WorkList::Batch& b) { b.home = home.home() + "/."; })},
     };
     // Run unprivileged: a user who is not root may not claim anyone else either.
     chownTree(home.tree().root(), unprivilegedUid(), unprivilegedGid());
