@@ -48,20 +48,6 @@ TEST(CategoryGroup, TitlesAndRiskLabelsAreLocalised) {
     EXPECT_TRUE(Risk::safe < Risk::caution && Risk::caution < Risk::review);
 }
 
-TEST(RemovalMethod, CommandsCompareByTextAndFlag) {
-    EXPECT_EQ(RemovalMethod::makeCommand("brew cleanup", false),
-              RemovalMethod::makeCommand("brew cleanup", false));
-    EXPECT_NE(RemovalMethod::makeCommand("brew cleanup", false),
-              RemovalMethod::makeCommand("brew cleanup", true));
-    EXPECT_NE(RemovalMethod::makeCommand("brew cleanup", false),
-              RemovalMethod::makeCommand("brew cleanup -s", false));
-    EXPECT_NE(RemovalMethod::trash(), RemovalMethod::adminTrash());
-    EXPECT_NE(RemovalMethod::trash(), RemovalMethod::permanent());
-    EXPECT_EQ(RemovalMethod::adminTrash().name(), "adminTrash");
-    EXPECT_TRUE(RemovalMethod::makeCommand("x", true).isCommand());
-    EXPECT_FALSE(RemovalMethod::permanent().isCommand());
-}
-
 TEST(CleanCategory, SameIdIsTheSameCategory) {
     const CleanCategory a{"user.caches",   CategoryGroup::user, "User Caches", "one",
                           "internaldrive", Risk::safe,          true};
@@ -76,30 +62,14 @@ TEST(CleanCategory, SameIdIsTheSameCategory) {
     EXPECT_EQ(set.size(), 2u);
 }
 
-TEST(ScanItem, EqualityCoversEveryField) {
+// Items are compared field by field; the hash must agree, so that a rescan that
+// measured differently is a different item in a set.
+TEST(ScanItem, EqualItemsHashAlikeAndASizeChangeMakesAnotherItem) {
     const ScanItem base = pathItem("/data/cache/blob");
-    ScanItem same = base;
-    EXPECT_EQ(base, same);
-    EXPECT_EQ(std::hash<ScanItem>{}(base), std::hash<ScanItem>{}(same));
-
-    std::vector<ScanItem> variants(10, base);
-    variants[0].id = "/data/cache/other";
-    variants[1].categoryID = "user.logs";
-    variants[2].name = "other";
-    variants[3].url = std::nullopt;
-    variants[4].size = 8192;
-    variants[5].size = std::nullopt;
-    variants[6].modified = Date{std::chrono::seconds{1'700'000'001}};
-    variants[7].method = RemovalMethod::permanent();
-    variants[8].note = "in use";
-    variants[9].method = RemovalMethod::makeCommand("", false);
-    for (size_t i = 0; i < variants.size(); ++i) {
-        EXPECT_NE(variants[i], base) << "variant " << i;
-        EXPECT_EQ(variants[i].id == base.id, i != 0) << "variant " << i;
-    }
-    // Same id, different size: a rescan that measured differently is a different item.
-    std::unordered_set<ScanItem> set{base, variants[4], same};
-    EXPECT_EQ(set.size(), 2u);
+    ScanItem resized = base;
+    resized.size = 8192;
+    EXPECT_EQ(std::hash<ScanItem>{}(base), std::hash<ScanItem>{}(ScanItem(base)));
+    EXPECT_EQ((std::unordered_set<ScanItem>{base, resized, base}.size()), 2u);
 }
 
 TEST(ScanItem, LocationShowsCommandTextOrParentFolderWithHomeAbbreviated) {

@@ -202,7 +202,6 @@ TEST(SafeFs, TenThousandLevelsGoWithABoundedNumberOfDescriptors) {
     TempTree tree;
     tree.makeFile("outside/kept.txt", "keep");
     tree.makeDir("item");
-    const RemovedOnExit cleanup{tree.path("item")};
     ASSERT_EQ(buildDeepTree(tree.path("item"), 10000), 0);
     const TreeSnapshot before = snapshotTree(tree.root(), {tree.path("item")});
 
@@ -223,7 +222,6 @@ TEST(SafeFs, TenThousandLevelsGoWithABoundedNumberOfDescriptors) {
 TEST(SafeFs, DeepTreeKeepsOnlyTheChainToWhatCouldNotGo) {
     TempTree tree;
     tree.makeDir("item");
-    const RemovedOnExit cleanup{tree.path("item")};
     chownTree(tree.root(), unprivilegedUid(), unprivilegedGid());
     constexpr int kLevels = 3000;
     constexpr int kLockedLevel = 2500;

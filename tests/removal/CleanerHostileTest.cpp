@@ -292,7 +292,6 @@ TEST_F(CleanerHostileTest, UnreadableFolderInsideADeletedItem) {
 
 TEST_F(CleanerHostileTest, TenThousandLevelsDeep) {
     const std::string deep = areaDir("deep");
-    const RemovedOnExit cleanup{deep};
     ASSERT_EQ(buildDeepTree(deep, 10000), 0);
     const auto before = snapshotOutside({deep});
 

@@ -48,5 +48,6 @@ void setModificationTime(const std::string& path, int64_t secondsSinceEpoch);
 // Recursively gives the tree to uid:gid without following links.
 void chownTree(const std::string& path, uid_t uid, gid_t gid);
 
-// Removes a tree whatever its permissions, never following links.
-void removeTreeForcefully(const std::string& path);
+// Removes a tree of any depth whatever its permissions, never following links; false
+// when something stayed.
+bool removeTreeForcefully(const std::string& path);
