@@ -27,13 +27,6 @@ Date stampTime() {
     return Date(sys_days(year(2025) / January / 14) + 9h + 30min + 15s);
 }
 
-struct stat statOf(const std::string& path) {
-    struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0)
-        st.st_ino = 0;
-    return st;
-}
-
 // A home belonging to the user the batch acts for (the test's own user when it
 // cannot be root).
 struct UserHome {

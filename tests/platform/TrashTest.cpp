@@ -24,13 +24,6 @@
 
 namespace {
 
-struct stat statOf(const std::string& path) {
-    struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0)
-        st.st_ino = 0;
-    return st;
-}
-
 bool isLinkRefusal(int error) {
     return error == ELOOP || error == ENOTDIR;
 }

@@ -37,14 +37,6 @@ bool eventually(const std::function<bool()>& done) {
     return true;
 }
 
-int64_t duKibibytes(const std::vector<std::string>& paths) {
-    std::string command = "du -skx";
-    for (const std::string& path : paths)
-        command += " " + shellQuote(path);
-    return std::stoll(
-        Shell::run(command + " 2>/dev/null | awk '{s+=$1} END {print s+0}'", 60).standardOutput);
-}
-
 class HelperRunTest : public CleanerHomeTest {
 protected:
     WorkList::Batch batchFor(std::vector<WorkList::Step> steps) const {

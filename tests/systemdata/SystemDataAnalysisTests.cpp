@@ -16,14 +16,6 @@ SystemDataAnalyzer::EntryCallback recordingInto(Calls& calls) {
     return [&calls](const std::string& id, int64_t value) { calls.emplace_back(id, value); };
 }
 
-int64_t duKibibytes(const std::vector<std::string>& paths) {
-    std::string command = "du -skx";
-    for (const std::string& path : paths)
-        command += " " + shellQuote(path);
-    const Shell::Output out = Shell::run(command + " 2>/dev/null | awk '{s+=$1} END {print s+0}'", 60);
-    return std::stoll(out.standardOutput);
-}
-
 SystemDataEntry measured(std::string id, std::vector<std::string> paths) {
     SystemDataEntry entry;
     entry.id = std::move(id);
