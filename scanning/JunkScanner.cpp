@@ -214,10 +214,8 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
                                    (position + static_cast<double>(done) / static_cast<double>(total)) / n});
             },
             stop);
-        // A category whose measurement saw the stop may hold partial sizes and a partial
-        // large-file list: it is neither reported nor returned.
-        if (stop.stop_requested())
-            return result;
+        // A stop during the measurement still reports the category with what its
+        // running measurements found; the next category is not started.
         list.insert(list.end(), std::make_move_iterator(measured.begin()),
                     std::make_move_iterator(measured.end()));
         result.insert(result.end(), list.begin(), list.end());
