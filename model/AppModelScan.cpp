@@ -132,12 +132,10 @@ void AppModel::cancelScan() {
         if (state == CategoryScanState::scanning)
             state = CategoryScanState::pending;
     change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
-    // Only a running scan changes phase and date: a stop outside one must not, say,
-    // end a clean's phase.
-    if (phase_ == Phase::scanning) {
-        change(changes, phase_, items_.empty() ? Phase::idle : Phase::ready, &AppModel::phaseChanged);
-        if (!items_.empty())
-            change(changes, lastScanDate_, std::optional<Date>(Dates::now()), &AppModel::lastScanDateChanged);
-    }
+    // No phase test: the commands offer a stop only while a scan runs, and the phase
+    // always settles on what is listed.
+    change(changes, phase_, items_.empty() ? Phase::idle : Phase::ready, &AppModel::phaseChanged);
+    if (!items_.empty())
+        change(changes, lastScanDate_, std::optional<Date>(Dates::now()), &AppModel::lastScanDateChanged);
     change(changes, statusText_, QString(), &AppModel::statusTextChanged);
 }
