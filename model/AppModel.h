@@ -299,7 +299,7 @@ private:
     void handle(uint64_t scan, const ScanEvent& event);
     void finishScan(uint64_t scan, ScanItems found, const ItemIDs& keeping);
     void applyCleanResult(CleanResult result);
-    void applyPurge(int64_t freed, int failed);
+    void applyPurge(uint64_t resultNumber, int64_t freed, int failed);
     void deliverSystemEntry(uint64_t analysis, const std::string& id, int64_t value);
     void finishSystemAnalysis(uint64_t analysis, std::optional<SystemDataReport> report,
                               std::optional<std::string> message);
@@ -345,7 +345,8 @@ private:
     uint64_t activeScan_ = 0;     // the scan whose events are applied, 0 when none
     uint64_t activeAnalysis_ = 0; // likewise for System Data deliveries
     uint64_t nextOperation_ = 1;
-    bool purging_ = false;
+    uint64_t resultNumber_ = 0;  // counts the cleans applied; names lastResult_
+    uint64_t purgingResult_ = 0; // the result a running purge started from, 0 when none
     FolderChooser folderChooser_;
     std::list<Worker> workers_;
 

@@ -67,6 +67,7 @@ void AppModel::applyCleanResult(CleanResult result) {
     for (const std::string& id : removed)
         selection.erase(id);
     change(changes, selection_, std::move(selection), &AppModel::selectionChanged);
+    ++resultNumber_;
     change(changes, lastResult_, OptionalCleanResult(std::move(result)), &AppModel::lastResultChanged);
     change(changes, purgeMessage_, QString(), &AppModel::purgeMessageChanged);
     change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
@@ -76,24 +77,30 @@ void AppModel::applyCleanResult(CleanResult result) {
 }
 
 void AppModel::purgeLastTrashed() {
-    if (!lastResult_ || lastResult_->trashedURLs.empty() || purging_)
+    if (!lastResult_ || lastResult_->trashedURLs.empty() || purgingResult_ == resultNumber_)
         return;
-    purging_ = true;
-    startWorker([paths = lastResult_->trashedURLs](std::stop_token, const MainThreadCall& toMain) {
-        const Cleaner::PurgeResult purged = Cleaner::purge(paths);
-        toMain([purged](AppModel& model) { model.applyPurge(purged.freed, purged.failed); });
-    });
+    // The purge belongs to the result it started from: a newer clean's list and sheet
+    // are not its to change, however late it ends.
+    const uint64_t resultNumber = purgingResult_ = resultNumber_;
+    startWorker(
+        [paths = lastResult_->trashedURLs, resultNumber](std::stop_token, const MainThreadCall& toMain) {
+            const Cleaner::PurgeResult purged = Cleaner::purge(paths);
+            toMain([purged, resultNumber](AppModel& model) {
+                model.applyPurge(resultNumber, purged.freed, purged.failed);
+            });
+        });
 }
 
-void AppModel::applyPurge(int64_t freed, int failed) {
-    purging_ = false;
+void AppModel::applyPurge(uint64_t resultNumber, int64_t freed, int failed) {
+    if (purgingResult_ == resultNumber)
+        purgingResult_ = 0;
     Changes changes(*this);
-    if (lastResult_) {
+    if (lastResult_ && resultNumber == resultNumber_) {
         OptionalCleanResult result = lastResult_;
         result->trashedURLs.clear();
         change(changes, lastResult_, std::move(result), &AppModel::lastResultChanged);
+        change(changes, purgeMessage_, purgeText(freed, failed), &AppModel::purgeMessageChanged);
     }
-    change(changes, purgeMessage_, purgeText(freed, failed), &AppModel::purgeMessageChanged);
     change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
 }
 
