@@ -214,12 +214,26 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
                                    (position + static_cast<double>(done) / static_cast<double>(total)) / n});
             },
             stop);
+        candidates = {};
         // A stop during the measurement still reports the category with what its
         // running measurements found; the next category is not started.
-        list.insert(list.end(), std::make_move_iterator(measured.begin()),
-                    std::make_move_iterator(measured.end()));
-        result.insert(result.end(), list.begin(), list.end());
-        report(events, ScanEvent::CategoryFinished{category.id, std::move(list)});
+        if (list.empty())
+            list = std::move(measured);
+        else
+            list.insert(list.end(), std::make_move_iterator(measured.begin()),
+                        std::make_move_iterator(measured.end()));
+        measured = {};
+        // The items go out in the event and then come back from it into the result:
+        // one copy of a category (the receiver's) rather than two.
+        ScanEvent finished{ScanEvent::CategoryFinished{category.id, std::move(list)}};
+        if (events)
+            events(finished);
+        std::vector<ScanItem>& reported = std::get<ScanEvent::CategoryFinished>(finished.value).items;
+        if (result.empty())
+            result = std::move(reported);
+        else
+            result.insert(result.end(), std::make_move_iterator(reported.begin()),
+                          std::make_move_iterator(reported.end()));
     }
     report(events, ScanEvent::Progress{1.0});
     return result;
