@@ -14,7 +14,7 @@ QString q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-QString rowText(const std::string& title, const std::vector<ScanItem>& items) {
+QString rowText(const std::string& title, const CleanPlan::Items& items) {
     return QStringLiteral("  %1  %2")
         .arg(q(title).leftJustified(46, u' '))
         .arg(q(localizedFormat("%1 items · %2", {std::to_string(items.size()),
@@ -25,6 +25,13 @@ QJsonArray itemsJson(const std::vector<ScanItem>& items) {
     QJsonArray array;
     for (const ScanItem& item : items)
         array.append(ScanReport::itemJson(item));
+    return array;
+}
+
+QJsonArray itemsJson(const CleanPlan::Items& items) {
+    QJsonArray array;
+    for (const ScanItem* item : items)
+        array.append(ScanReport::itemJson(*item));
     return array;
 }
 
@@ -46,8 +53,8 @@ QString summary(const AppModel& model) {
     s << rowText(localized("Delete permanently (items already in Trash)"), plan.permanent) << "\n";
     if (!plan.commands.empty()) {
         QStringList names;
-        for (const ScanItem& item : plan.commands)
-            names << ScanReport::shownText(item.name);
+        for (const ScanItem* item : plan.commands)
+            names << ScanReport::shownText(item->name);
         s << "  " << q(localized("Run commands: ")) << names.join(QStringLiteral(", ")) << "\n";
     }
     if (!plan.needsAdmin.empty())
