@@ -113,9 +113,9 @@ ScanItems AppModel::itemsToClean() const {
 }
 
 qint64 AppModel::itemsToCleanTotal() const {
-    qint64 sum = 0;
     if (cleanScope_.isEmpty())
         return selectedTotal();
+    qint64 sum = 0;
     if (!selection_.empty())
         for (const ScanItem& item : itemsOf(cleanScope_.toStdString()))
             if (selection_.contains(item.id))
