@@ -5,6 +5,7 @@
 #include "platform/ByteCount.h"
 #include "platform/Localized.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QTextStream>
 
@@ -14,11 +15,15 @@ QString q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+// A sentence with a count, in the plural form the count needs.
+QString counted(const char* key, size_t count) {
+    return QCoreApplication::translate("Veltro", key, nullptr, static_cast<int>(count));
+}
+
 QString rowText(const std::string& title, const CleanPlan::Items& items) {
     return QStringLiteral("  %1  %2")
         .arg(q(title).leftJustified(46, u' '))
-        .arg(q(localizedFormat("%1 items · %2", {std::to_string(items.size()),
-                                                 formatByteCount(ScanResults::totalSize(items))})));
+        .arg(counted("%Ln items · %1", items.size()).arg(q(formatByteCount(ScanResults::totalSize(items)))));
 }
 
 QJsonArray itemsJson(const std::vector<ScanItem>& items) {
@@ -47,7 +52,7 @@ QString summary(const AppModel& model) {
     if (!model.cleanScope().isEmpty())
         if (const auto category = model.category(model.cleanScope()))
             s << q(category->title) << "\n";
-    s << q(localizedFormat("Clean %1 Items", {std::to_string(items.size())})) << " — "
+    s << counted("Clean %Ln Items", items.size()) << " — "
       << q(localizedFormat("About %1 in total", {formatByteCount(model.itemsToCleanTotal())})) << "\n";
     s << rowText(localized("Move to Trash (recoverable)"), plan.toTrash) << "\n";
     s << rowText(localized("Delete permanently (items already in Trash)"), plan.permanent) << "\n";
@@ -59,18 +64,16 @@ QString summary(const AppModel& model) {
     }
     if (!plan.needsAdmin.empty())
         s << "  ! "
-          << q(localizedFormat("%1 system items — macOS will ask for an administrator password once",
-                               {std::to_string(plan.needsAdmin.size())}))
+          << counted("%Ln system items — macOS will ask for an administrator password once",
+                     plan.needsAdmin.size())
           << "\n";
     if (!plan.largeFiles.empty())
         s << "  ! "
-          << q(localizedFormat("%1 large files selected — make sure you don't need them",
-                               {std::to_string(plan.largeFiles.size())}))
+          << counted("%Ln large files selected — make sure you don't need them", plan.largeFiles.size())
           << "\n";
     if (!plan.review.empty())
         s << "  ! "
-          << q(localizedFormat("%1 items from review categories (Downloads/Backups/Archives)",
-                               {std::to_string(plan.review.size())}))
+          << counted("%Ln items from review categories (Downloads/Backups/Archives)", plan.review.size())
           << "\n";
     return out;
 }
@@ -81,7 +84,7 @@ QString result(const AppModel& model) {
         return {};
     QString out;
     QTextStream s(&out);
-    s << q(localizedFormat("Cleaned %1 Items", {std::to_string(r->succeeded.size())})) << "\n";
+    s << counted("Cleaned %Ln Items", r->succeeded.size()) << "\n";
     s << q(localizedFormat("%1 moved to Trash · %2 deleted",
                            {formatByteCount(r->movedToTrashBytes), formatByteCount(r->deletedBytes)}))
       << "\n";
@@ -89,9 +92,7 @@ QString result(const AppModel& model) {
                                                       formatByteCount(r->freeAfter - r->freeBefore)}))
       << "\n";
     if (!r->failures.empty()) {
-        s << "\n"
-          << q(localizedFormat("%1 Items Could Not Be Cleaned", {std::to_string(r->failures.size())}))
-          << "\n";
+        s << "\n" << counted("%Ln Items Could Not Be Cleaned", r->failures.size()) << "\n";
         for (const CleanFailure& failure : r->failures) {
             const std::string& where = failure.item.url ? *failure.item.url : failure.item.location();
             s << "  " << ScanReport::shownText(failure.item.name) << "\n"

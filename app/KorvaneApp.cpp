@@ -1,7 +1,9 @@
 #include "app/KorvaneApp.h"
 
+#include "app/LinuxWording.h"
 #include "app/ScreenshotTour.h"
 #include "model/AppModel.h"
+#include "removal/Privileged.h"
 #include "ui/UiServices.h"
 
 #include <QGuiApplication>
@@ -45,6 +47,8 @@ int KorvaneApp::run(int argc, char* argv[]) {
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Veltro"));
     QGuiApplication::setApplicationVersion(QStringLiteral(VELTRO_VERSION));
+    // Before the model, whose catalogues read their texts once.
+    LinuxWording::install(app);
     QGuiApplication::setDesktopFileName(QStringLiteral("app.veltro.Veltro"));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/app/app.veltro.Veltro.svg")));
     QGuiApplication::setQuitOnLastWindowClosed(true);
@@ -75,6 +79,9 @@ int KorvaneApp::run(int argc, char* argv[]) {
     if (tour && !tour->succeeded())
         status = 1;
     if (model.hasRunningWork()) {
+        // A helper working as root outlives us unless told: it stops at its next safe
+        // point and ends what it started, and we wait for that.
+        Privileged::endAll();
         // A scan winding down (or a clean) would hold the exit until it returns; nothing
         // is kept between runs, so leave at once.
         std::fflush(stdout);

@@ -37,13 +37,16 @@ int runScanCommand(const QStringList& arguments) {
     settings.applyTo(model);
     HeadlessRun::scan(model, HeadlessRun::isTerminal(fileno(stderr)));
 
+    // Looked up again after the scan, from the same table: the places cost nothing per item.
+    const SearchedPlaces::PerCategory searched =
+        SearchedPlaces::of(ScanOptions{0, model.extraRoots(), model.hasFullDiskAccess()});
     if (parser.isSet(json)) {
-        ScanReport::writeJson(model, stdout);
+        ScanReport::writeJson(model, searched, stdout);
         std::fflush(stdout);
         return 0;
     }
     QTextStream out(stdout);
-    out << ScanReport::text(model);
+    out << ScanReport::text(model, searched);
     out.flush();
     return 0;
 }

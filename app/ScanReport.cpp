@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unordered_set>
 
 namespace {
 
@@ -112,7 +113,7 @@ QJsonObject itemJson(const ScanItem& item) {
     return object;
 }
 
-void writeJson(const AppModel& model, FILE* out) {
+void writeJson(const AppModel& model, const SearchedPlaces::PerCategory& searched, FILE* out) {
     auto put = [out](const QByteArray& bytes) { std::fwrite(bytes.constData(), 1, bytes.size(), out); };
     auto compact = [](const QJsonObject& object) {
         return QJsonDocument(object).toJson(QJsonDocument::Compact);
@@ -129,6 +130,11 @@ void writeJson(const AppModel& model, FILE* out) {
         entry.insert("selectedByDefault", category.selectedByDefault);
         entry.insert("totalSize", model.totalSize(id));
         entry.insert("items", QJsonArray());
+        QJsonArray folders;
+        if (const auto places = searched.find(category.id); places != searched.end())
+            for (const std::string& folder : places->second)
+                folders.append(ItemKey::displayText(folder));
+        entry.insert("searched", folders);
         // Inside a JSON string every quote is escaped, so the bare key below is the
         // one place the empty list stands.
         const QByteArray shell = compact(entry);
@@ -162,7 +168,7 @@ void writeJson(const AppModel& model, FILE* out) {
     put("\n");
 }
 
-QString text(const AppModel& model, int largestCount) {
+QString text(const AppModel& model, const SearchedPlaces::PerCategory& searched, int largestCount) {
     QString out;
     QTextStream stream(&out);
     stream << QString::fromStdString(
@@ -210,6 +216,12 @@ QString text(const AppModel& model, int largestCount) {
             stream << "\n";
         }
     }
+    std::unordered_set<std::string_view> places;
+    for (const auto& [id, folders] : searched)
+        places.insert(folders.begin(), folders.end());
+    stream << "\n"
+           << QString::fromStdString(localizedFormat("Searched %1 places.", {std::to_string(places.size())}))
+           << "\n";
     return out;
 }
 

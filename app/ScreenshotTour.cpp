@@ -2,7 +2,6 @@
 
 #include "model/AppModel.h"
 #include "platform/Environment.h"
-#include "platform/ShellQuote.h"
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
 #include "ui/Platform.h"
@@ -56,11 +55,11 @@ void ScreenshotTour::start() {
     // would finish.
     Platform::instance()->setReduceMotion(true);
     // The System Data screen is pictured measured. No password dialog can be answered
-    // here, and the tour's home is made up: its measurement runs as this user, which
-    // reads the made-up folders and finds the system's own mostly absent.
-    Privileged::setAuthorizationTool([](const std::string& script, const std::string&, double timeout) {
-        return Shell::run("/bin/sh " + shellQuote(script), timeout);
-    });
+    // here, and the tour's home is made up: its measurement runs (the helper started
+    // directly) as this user, which reads the made-up folders and finds the system's
+    // own mostly absent.
+    Privileged::setAuthorizationTool(
+        [](const Privileged::Launch& launch) { return Privileged::runProcess(launch.command, launch); });
     // frameSwapped may come from the render thread; the queued call lands here.
     connect(
         window_, &QQuickWindow::frameSwapped, this,

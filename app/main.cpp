@@ -1,11 +1,12 @@
-// One binary: with a command (`scan`, `clean`) it runs headless over the same model
+// One binary: with a command (`scan`, `clean`, `system-data`) it runs headless over the same model
 // the window uses; without one it opens the window.
 
 #include "app/CleanCommand.h"
 #include "app/KorvaneApp.h"
+#include "app/LinuxWording.h"
 #include "app/RawArguments.h"
 #include "app/ScanCommand.h"
-#include "platform/Localized.h"
+#include "app/SystemDataCommand.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
@@ -14,13 +15,6 @@
 
 namespace {
 
-void routeTextsThroughQt() {
-    installTranslator([](std::string_view key) {
-        const std::string text(key);
-        return QCoreApplication::translate("Veltro", text.c_str()).toStdString();
-    });
-}
-
 QString usage() {
     return QStringLiteral("Usage:\n"
                           "  veltro                 open the window\n"
@@ -28,8 +22,9 @@ QString usage() {
                           "  veltro clean (--recommended | --category ID ... | --item PATH ...)\n"
                           "               [--large-threshold-gb X] [--add-root DIR]... [--dry-run] [--yes]\n"
                           "               [--json] [--purge]\n"
+                          "  veltro system-data [--json] [--run ID [--yes]]\n"
                           "  veltro --version\n"
-                          "Run `veltro scan --help` or `veltro clean --help` for details.\n");
+                          "Run `veltro <command> --help` for details.\n");
 }
 
 int runHeadless(int argc, char* argv[]) {
@@ -37,12 +32,15 @@ int runHeadless(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Veltro"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELTRO_VERSION));
+    LinuxWording::install(app);
     const QStringList arguments = QCoreApplication::arguments();
     const QString command = arguments.value(1);
     if (command == QLatin1String("scan"))
         return runScanCommand(arguments);
     if (command == QLatin1String("clean"))
         return runCleanCommand(arguments, rawItems);
+    if (command == QLatin1String("system-data"))
+        return runSystemDataCommand(arguments);
     if (command == QLatin1String("--version") || command == QLatin1String("-v")) {
         QTextStream(stdout) << "Veltro " << QCoreApplication::applicationVersion() << '\n';
         return 0;
@@ -58,7 +56,5 @@ int runHeadless(int argc, char* argv[]) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-    // First, before anything reads a catalogue text.
-    routeTextsThroughQt();
     return KorvaneApp::wanted(argc, argv) ? KorvaneApp::run(argc, argv) : runHeadless(argc, argv);
 }

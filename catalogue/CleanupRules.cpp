@@ -1,5 +1,6 @@
 #include "catalogue/CleanupRules.h"
 
+#include "catalogue/CacheFolderNames.h"
 #include "platform/Environment.h"
 #include "platform/Localized.h"
 
@@ -16,19 +17,6 @@
 namespace CleanupRules {
 
 namespace {
-
-// Cache folders that Chromium-based browsers and Electron applications keep in each
-// profile; shared by the browser and the Electron-style lists.
-constexpr std::array<std::string_view, 10> chromiumCacheNames{"Cache",
-                                                              "Code Cache",
-                                                              "GPUCache",
-                                                              "Service Worker/CacheStorage",
-                                                              "Service Worker/ScriptCache",
-                                                              "DawnCache",
-                                                              "DawnGraphiteCache",
-                                                              "DawnWebGPUCache",
-                                                              "GrShaderCache",
-                                                              "ShaderCache"};
 
 CleanCategory category(std::string id, CategoryGroup group, std::string_view title, std::string_view detail,
                        std::string symbol, Risk risk, bool selectedByDefault) {
@@ -343,7 +331,7 @@ std::vector<Source> browserSources() {
         "~/Library/Application Support/Vivaldi/*",
         "~/Library/Application Support/com.operasoftware.Opera"};
     for (std::string_view base : profileBases)
-        for (std::string_view name : chromiumCacheNames)
+        for (std::string_view name : CacheFolderNames::chromium)
             sources.push_back(Source::items(std::string(base) + "/" + std::string(name)));
 
     // Caches shared by all profiles of a browser, next to the profile folders.
@@ -351,7 +339,7 @@ std::vector<Source> browserSources() {
         "~/Library/Application Support/Google/Chrome", "~/Library/Application Support/Microsoft Edge",
         "~/Library/Application Support/BraveSoftware/Brave-Browser"};
     for (std::string_view folder : browserFolders)
-        for (std::string_view name : {"ShaderCache", "GrShaderCache", "component_crx_cache"})
+        for (std::string_view name : CacheFolderNames::browserShared)
             sources.push_back(Source::items(std::string(folder) + "/" + std::string(name)));
     return sources;
 }
@@ -359,8 +347,8 @@ std::vector<Source> browserSources() {
 std::vector<Source> electronSources() {
     std::vector<Source> sources;
     sources.reserve(14);
-    std::vector<std::string_view> names(chromiumCacheNames.begin(), chromiumCacheNames.end());
-    names.insert(names.end(), {"CachedData", "CachedExtensionVSIXs", "Crashpad/completed"});
+    std::vector<std::string_view> names(CacheFolderNames::chromium.begin(), CacheFolderNames::chromium.end());
+    names.insert(names.end(), CacheFolderNames::electronOnly.begin(), CacheFolderNames::electronOnly.end());
     for (std::string_view name : names)
         sources.push_back(Source::items("~/Library/Application Support/*/" + std::string(name)));
     sources.push_back(Source::items("~/Library/Application Support/Spotify/PersistentCache"));

@@ -142,4 +142,5 @@ void AppModel::refreshEnvironment() {
     change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
     change(changes, hasFullDiskAccess_, Permissions::hasFullDiskAccess(),
            &AppModel::hasFullDiskAccessChanged);
+    refreshSystemTools();
 }

@@ -101,7 +101,7 @@ public:
     Q_PROPERTY(QVariantList largestItems READ largestItems NOTIFY resultsChanged)
     Q_PROPERTY(QVariantMap cleanPlan READ cleanPlan NOTIFY resultsChanged)
     Q_PROPERTY(QVariantMap lastResultInfo READ lastResultInfo NOTIFY lastResultChanged)
-    Q_PROPERTY(QVariantList systemEntries READ systemEntries CONSTANT)
+    Q_PROPERTY(QVariantList systemEntries READ systemEntries NOTIFY systemToolsChanged)
     Q_PROPERTY(QVariantMap systemSizes READ systemSizes NOTIFY systemReportChanged)
     Q_PROPERTY(int systemSnapshotCount READ systemSnapshotCount NOTIFY systemReportChanged)
     Q_PROPERTY(qint64 systemPurgeable READ systemPurgeable NOTIFY systemReportChanged)
@@ -213,7 +213,10 @@ public:
 
     // System Data.
     Q_INVOKABLE void analyzeSystemData();
+    // Does nothing for an entry without an action or whose tool is not installed.
     void runSystemAction(const SystemDataEntry& entry);
+    // Looks again which System Data actions have their tools installed.
+    void refreshSystemTools();
 
     // View-facing forms of the operations above.
     Q_INVOKABLE void setItemSelected(const QString& key, bool on);
@@ -240,8 +243,9 @@ public:
     // lastResult for the views: present, succeededCount, movedToTrashBytes, deletedBytes,
     // gain (freeAfter - freeBefore), trashedCount, failures [{id, name, reason, path}].
     QVariantMap lastResultInfo() const;
-    // The System Data catalogue: id, title, detail, symbol, hasAction, actionTitle,
-    // actionConfirm, protectedNote, paths (expanded).
+    // The System Data areas: id, title, detail, symbol, hasAction, actionTitle,
+    // actionConfirm, protectedNote, unavailableNote (the missing tool, "" when the action
+    // can run), paths (expanded).
     QVariantList systemEntries() const;
     QVariantMap systemSizes() const;
     int systemSnapshotCount() const;
@@ -286,6 +290,7 @@ signals:
     void systemMessageChanged();
     void systemRunningEntryChanged();
     void systemSnapshotsMeasuredChanged();
+    void systemToolsChanged();
     // Items or selection changed, so selected totals may have.
     void totalsChanged();
     // Anything the result views derive from changed: items, their grouping,
@@ -346,6 +351,7 @@ private:
     QString systemMessage_;
     QString systemRunningEntry_;
     bool systemSnapshotsMeasured_ = false;
+    std::map<std::string, std::string> systemUnavailable_; // as last looked at
 
     uint64_t itemsVersion_ = 0;
     uint64_t scanTask_ = 0;       // worker id of the running scan, 0 when none

@@ -6,7 +6,7 @@
 #include "platform/ByteCount.h"
 #include "platform/Localized.h"
 #include "systemdata/SystemDataAnalyzer.h"
-#include "systemdata/SystemDataCatalog.h"
+#include "systemdata/SystemDataAreas.h"
 
 void AppModel::analyzeSystemData() {
     if (systemAnalyzing_)
@@ -25,7 +25,9 @@ void AppModel::analyzeSystemData() {
     startWorker([analysis, previous](std::stop_token, const MainThreadCall& toMain) {
         SystemDataAnalyzer::Analysis result =
             SystemDataAnalyzer::analyze([&toMain, analysis](const std::string& id, int64_t value) {
-                toMain([analysis, id, value](AppModel& model) { model.deliverSystemEntry(analysis, id, value); });
+                toMain([analysis, id, value](AppModel& model) {
+                    model.deliverSystemEntry(analysis, id, value);
+                });
             });
         if (!result.report)
             result.report = previous;
@@ -65,11 +67,12 @@ void AppModel::finishSystemAnalysis(uint64_t analysis, std::optional<SystemDataR
 }
 
 void AppModel::runSystemAction(const SystemDataEntry& entry) {
-    if (!entry.action || !systemRunningEntry_.isEmpty())
+    if (!entry.action || !systemRunningEntry_.isEmpty() || !SystemDataAreas::unavailableReason(entry).empty())
         return;
     {
         Changes changes(*this);
-        change(changes, systemRunningEntry_, QString::fromStdString(entry.id), &AppModel::systemRunningEntryChanged);
+        change(changes, systemRunningEntry_, QString::fromStdString(entry.id),
+               &AppModel::systemRunningEntryChanged);
         change(changes, systemMessage_, QString(), &AppModel::systemMessageChanged);
     }
     const int64_t availableBefore = DiskInfo::current().available;
@@ -99,9 +102,19 @@ void AppModel::finishSystemAction(const SystemDataEntry& entry, int64_t availabl
 
 void AppModel::runSystemActionFor(const QString& entryID) {
     const std::string id = entryID.toStdString();
-    for (const SystemDataEntry& entry : SystemDataCatalog::entries())
+    for (const SystemDataEntry& entry : SystemDataAreas::entries())
         if (entry.id == id) {
             runSystemAction(entry);
             return;
         }
+}
+
+void AppModel::refreshSystemTools() {
+    std::map<std::string, std::string> unavailable;
+    for (const SystemDataEntry& entry : SystemDataAreas::entries())
+        unavailable[entry.id] = SystemDataAreas::unavailableReason(entry);
+    if (unavailable == systemUnavailable_)
+        return;
+    systemUnavailable_ = std::move(unavailable);
+    emit systemToolsChanged();
 }

@@ -6,7 +6,7 @@
 #include "catalogue/CleanupRules.h"
 #include "model/CleanPlan.h"
 #include "model/ItemKey.h"
-#include "systemdata/SystemDataCatalog.h"
+#include "systemdata/SystemDataAreas.h"
 
 #include <QColor>
 
@@ -172,7 +172,7 @@ QVariantMap AppModel::lastResultInfo() const {
 
 QVariantList AppModel::systemEntries() const {
     QVariantList out;
-    for (const SystemDataEntry& entry : SystemDataCatalog::entries()) {
+    for (const SystemDataEntry& entry : SystemDataAreas::entries()) {
         QStringList paths;
         for (const std::string& path : entry.expandedPaths())
             paths << ItemKey::displayText(path);
@@ -185,6 +185,7 @@ QVariantList AppModel::systemEntries() const {
             {"actionTitle", entry.action ? QString::fromStdString(entry.action->title) : QString()},
             {"actionConfirm", entry.action ? QString::fromStdString(entry.action->confirm) : QString()},
             {"protectedNote", entry.protectedNote ? QString::fromStdString(*entry.protectedNote) : QString()},
+            {"unavailableNote", QString::fromStdString(SystemDataAreas::unavailableReason(entry))},
             {"paths", paths},
         });
     }
@@ -241,7 +242,7 @@ QString AppModel::commonLocation(const QString& categoryID) const {
 
 QString AppModel::firstExistingPath(const QString& entryID) const {
     const std::string id = entryID.toStdString();
-    for (const SystemDataEntry& entry : SystemDataCatalog::entries()) {
+    for (const SystemDataEntry& entry : SystemDataAreas::entries()) {
         if (entry.id != id)
             continue;
         for (const std::string& path : entry.expandedPaths()) {

@@ -1,8 +1,10 @@
 #include "platform/Environment.h"
 
 #include <cstdlib>
+#include <optional>
 #include <pwd.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -26,10 +28,14 @@ std::string readHomeFolder() {
     return "/";
 }
 
-std::string readTemporaryFolder() {
-    if (const char* tmp = std::getenv("TMPDIR"); tmp && tmp[0] == '/')
-        return withoutTrailingSlashes(tmp);
-    return "/tmp";
+// $TMPDIR when set and absolute; read once.
+const std::optional<std::string>& temporaryFolderSetting() {
+    static const std::optional<std::string> setting = []() -> std::optional<std::string> {
+        if (const char* tmp = std::getenv("TMPDIR"); tmp && tmp[0] == '/')
+            return withoutTrailingSlashes(tmp);
+        return std::nullopt;
+    }();
+    return setting;
 }
 
 } // namespace
@@ -42,11 +48,30 @@ const std::string& homeFolder() {
 }
 
 const std::string& temporaryFolder() {
-    static const std::string tmp = readTemporaryFolder();
+    static const std::string tmp = temporaryFolderSetting().value_or("/tmp");
     return tmp;
 }
 
-uid_t realUserID() { return getuid(); }
-gid_t realGroupID() { return getgid(); }
+bool temporaryFolderIsSet() {
+    return temporaryFolderSetting().has_value();
+}
+
+namespace {
+std::optional<std::pair<uid_t, gid_t>>& workingUser() {
+    static std::optional<std::pair<uid_t, gid_t>> user;
+    return user;
+}
+} // namespace
+
+uid_t realUserID() {
+    return workingUser() ? workingUser()->first : getuid();
+}
+gid_t realGroupID() {
+    return workingUser() ? workingUser()->second : getgid();
+}
+
+void workFor(uid_t uid, gid_t gid) {
+    workingUser() = std::make_pair(uid, gid);
+}
 
 } // namespace Environment

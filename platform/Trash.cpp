@@ -1,32 +1,46 @@
 #include "platform/Trash.h"
 
+#include "platform/Date.h"
 #include "platform/Environment.h"
 #include "platform/MountIdentity.h"
+#include "platform/Paths.h"
 #include "platform/SafeFs.h"
 #include "platform/SafeFsInternals.h"
-#include "platform/Text.h"
+#include "platform/TrashFolders.h"
+#include "platform/TrashInfo.h"
 
 #include <cerrno>
-#include <climits>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace Trash {
 
 namespace {
 
-constexpr size_t kMaxNameBytes = NAME_MAX;
+// Bounds the search for a free name on a trash that claims every name is taken.
+constexpr unsigned kMaxNumber = 100000;
 
-// The longest prefix of `name` of at most `limit` bytes that does not end inside a
-// well-formed UTF-8 sequence; bytes that are not UTF-8 are cut anywhere.
-std::string candidate(const std::string& name, unsigned number) {
-    const std::string suffix = number == 0 ? std::string() : " " + std::to_string(number);
-    const size_t room = kMaxNameBytes > suffix.size() ? kMaxNameBytes - suffix.size() : 0;
-    return Text::prefixWithinBytes(name, room) + suffix;
+std::string mountTrashName() {
+    return ".Trash-" + std::to_string(Environment::realUserID());
+}
+
+// The folder the user named, with the links in its path resolved once: a home under
+// a linked /home is the user's own setting, not an attack. The trash inside it is
+// never resolved, so a link there is refused like any other.
+std::string resolved(const std::string& folder) {
+    char* real = ::realpath(folder.c_str(), nullptr);
+    const std::string result = real ? real : folder;
+    std::free(real);
+    return result;
+}
+
+std::string readHomeTrashFolder() {
+    const char* data = std::getenv("XDG_DATA_HOME");
+    if (data && data[0] == '/')
+        return Paths::join(resolved(Paths::standardizedPath(data)), "Trash");
+    return Paths::join(resolved(Environment::homeFolder()), ".local/share/Trash");
 }
 
 bool isTaken(int folderFd, const std::string& name) {
@@ -34,59 +48,29 @@ bool isTaken(int folderFd, const std::string& name) {
     return ::fstatat(folderFd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-// Opens `name` inside `parentFd` as a directory that is really there (never a link),
-// creating it with mode 0700 when missing. `ownedByUs` also refuses a folder owned
-// by someone else or open to others, for folders on volumes shared between users.
-int openOrCreateFolder(int parentFd, const std::string& name, bool ownedByUs, SafeFs::Dir& folder) {
-    if (::mkdirat(parentFd, name.c_str(), 0700) == 0) {
-        // The umask may have taken bits away; the owner needs all three.
-        const int fd = ::openat(parentFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-        if (fd >= 0) {
-            ::fchmod(fd, 0700);
-            ::close(fd);
-        }
-    } else if (errno != EEXIST) {
-        const int error = errno;
-        MountIdentity existing;
-        if (mountIdentityAt(parentFd, name, existing) != 0)
-            return error;
-    }
-    SafeFs::Dir opened(::openat(parentFd, name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!opened)
-        return errno;
+bool isGone(int folderFd, const std::string& name) {
     struct stat st {};
-    if (::fstat(opened.fd(), &st) != 0)
-        return errno;
-    if (!S_ISDIR(st.st_mode))
-        return ENOTDIR;
-    if (ownedByUs && (st.st_uid != ::geteuid() || (st.st_mode & (S_IWGRP | S_IWOTH))))
-        return EACCES;
-    folder = std::move(opened);
-    return 0;
+    return ::fstatat(folderFd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT;
 }
 
-std::string realHomeFolder() {
-    const std::string& home = Environment::homeFolder();
-    // The home folder is the user's own setting; a link in its path (a home under a
-    // linked /home) is not an attack, so it is resolved once here.
-    char* resolved = ::realpath(home.c_str(), nullptr);
-    std::string result = resolved ? resolved : home;
-    std::free(resolved);
-    return result;
-}
-
-std::string parentPath(const std::vector<std::string>& components) {
-    std::string path;
-    for (size_t i = 0; i + 1 < components.size(); ++i)
-        path += "/" + components[i];
-    return path.empty() ? "/" : path;
+// The mount of the folder at `path`, or of its nearest existing ancestor: a trash
+// not made yet will be made on that mount.
+int volumeOfNearest(std::string path, MountIdentity& volume) {
+    for (;;) {
+        SafeFs::Dir dir;
+        const int error = SafeFs::openDirectory(path, dir);
+        if (error == 0)
+            return mountIdentityAt(dir.fd(), "", volume);
+        if (error != ENOENT || path == "/")
+            return error;
+        path = Paths::parentFolder(path);
+    }
 }
 
 // The outermost folder of `path` (a folder) that is still on `volume`.
 std::string mountPointOf(std::string path, const MountIdentity& volume) {
     while (path != "/") {
-        const size_t slash = path.rfind('/');
-        const std::string up = slash == 0 ? "/" : path.substr(0, slash);
+        const std::string up = Paths::parentFolder(path);
         MountIdentity identity;
         if (mountIdentityAt(AT_FDCWD, up, identity) != 0 || !identity.sameMount(volume))
             break;
@@ -95,28 +79,28 @@ std::string mountPointOf(std::string path, const MountIdentity& volume) {
     return path;
 }
 
-// The Trash folder for an item whose parent folder is open as `parentFd` at the
-// path `parent` (both already free of links).
-int openTrashFolder(int parentFd, const std::string& parent, SafeFs::Dir& trash, std::string& folder) {
+// Opens the trash for an item at `path` whose parent folder is open as `parentFd`,
+// and says what the info file records as its original place.
+int openTrashFor(int parentFd, const std::string& path, TrashFolders::Opened& trash, std::string& recorded) {
     MountIdentity itemVolume;
     if (const int error = mountIdentityAt(parentFd, "", itemVolume))
         return error;
+    const uid_t uid = ::geteuid();
+    const gid_t gid = ::getegid();
 
-    const std::string home = realHomeFolder();
-    SafeFs::Dir homeDir;
-    if (const int error = SafeFs::openDirectory(home, homeDir))
-        return error;
+    const std::string& home = homeTrashFolder();
     MountIdentity homeVolume;
-    if (const int error = mountIdentityAt(homeDir.fd(), "", homeVolume))
+    if (const int error = volumeOfNearest(home, homeVolume))
         return error;
     if (homeVolume.sameMount(itemVolume)) {
-        if (const int error = openOrCreateFolder(homeDir.fd(), ".Trash", false, trash))
+        trash.path = home;
+        recorded = path;
+        if (const int error = TrashFolders::openOrCreatePath(home, uid, gid, trash.root))
             return error;
-        folder = home == "/" ? "/.Trash" : home + "/.Trash";
-        return 0;
+        return TrashFolders::openContents(trash, uid, gid, TrashFolders::Check::none);
     }
 
-    const std::string mountPoint = mountPointOf(parent, itemVolume);
+    const std::string mountPoint = mountPointOf(Paths::parentFolder(path), itemVolume);
     SafeFs::Dir mountDir;
     if (const int error = SafeFs::openDirectory(mountPoint, mountDir))
         return error;
@@ -125,14 +109,14 @@ int openTrashFolder(int parentFd, const std::string& parent, SafeFs::Dir& trash,
         return error;
     if (!opened.sameMount(itemVolume))
         return EXDEV;
-    SafeFs::Dir trashes;
-    if (const int error = openOrCreateFolder(mountDir.fd(), ".Trashes", false, trashes))
+    // A volume is shared between users: its trash must be ours alone.
+    constexpr auto check = TrashFolders::Check::ownerOnlyAccess;
+    if (const int error =
+            TrashFolders::openOrCreate(mountDir.fd(), mountTrashName(), uid, gid, check, trash.root))
         return error;
-    const std::string user = std::to_string(Environment::realUserID());
-    if (const int error = openOrCreateFolder(trashes.fd(), user, true, trash))
-        return error;
-    folder = (mountPoint == "/" ? std::string() : mountPoint) + "/.Trashes/" + user;
-    return 0;
+    trash.path = Paths::join(mountPoint, mountTrashName());
+    recorded = mountPoint == "/" ? path.substr(1) : path.substr(mountPoint.size() + 1);
+    return TrashFolders::openContents(trash, uid, gid, check);
 }
 
 int renameWithoutReplacing(int fromFd, const std::string& from, int toFd, const std::string& to) {
@@ -148,64 +132,84 @@ int renameWithoutReplacing(int fromFd, const std::string& from, int toFd, const 
     return ::renameat(fromFd, from.c_str(), toFd, to.c_str()) == 0 ? 0 : errno;
 }
 
-} // namespace
-
-int trashFolderFor(const std::string& path, std::string& folder) {
-    std::vector<std::string> components;
-    if (const int error = SafeFs::splitAbsolutePath(path, components))
-        return error;
-    SafeFs::Dir parent;
-    std::string name;
-    if (const int error = SafeFs::openParent(path, parent, name))
-        return error;
-    SafeFs::Dir trash;
-    return openTrashFolder(parent.fd(), parentPath(components), trash, folder);
+// Directly inside the files/ folder of the home trash or of a mount's trash of ours.
+bool liesInTrashFiles(const std::string& path) {
+    const std::string files = Paths::parentFolder(path);
+    if (Paths::lastComponent(files) != "files")
+        return false;
+    const std::string trash = Paths::parentFolder(files);
+    return trash == homeTrashFolder() || Paths::lastComponent(trash) == mountTrashName();
 }
 
-std::string freeName(int folderFd, const std::string& name) {
-    // The bound only matters on a file system that claims every name exists; the
-    // rename then refuses to replace and reports it.
-    constexpr unsigned kMaxNumber = 100000;
-    std::string tried;
-    for (unsigned number = 0; number <= kMaxNumber; ++number) {
-        tried = candidate(name, number);
-        if (!isTaken(folderFd, tried))
-            break;
-    }
-    return tried;
+} // namespace
+
+const std::string& homeTrashFolder() {
+    static const std::string folder = readHomeTrashFolder();
+    return folder;
 }
 
 MoveResult moveToTrash(const std::string& path) {
     MoveResult result;
-    std::vector<std::string> components;
-    if ((result.error = SafeFs::splitAbsolutePath(path, components)))
-        return result;
     SafeFs::Dir parent;
     std::string name;
     if ((result.error = SafeFs::openParent(path, parent, name)))
         return result;
-    struct stat st {};
-    if (::fstatat(parent.fd(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (!isTaken(parent.fd(), name)) {
         result.error = errno;
         return result;
     }
-    SafeFs::Dir trash;
-    std::string folder;
-    if ((result.error = openTrashFolder(parent.fd(), parentPath(components), trash, folder)))
+    TrashFolders::Opened trash;
+    std::string recorded;
+    if ((result.error = openTrashFor(parent.fd(), path, trash, recorded)))
         return result;
-    // Another process may take the free name between the look and the rename; the
-    // rename refuses to replace it and the next free name is tried.
-    for (int attempt = 0; attempt < 64; ++attempt) {
-        const std::string target = freeName(trash.fd(), name);
-        result.error = renameWithoutReplacing(parent.fd(), name, trash.fd(), target);
+
+    const std::string info = TrashInfo::text(recorded, Dates::now());
+    for (unsigned number = 0; number <= kMaxNumber; ++number) {
+        const std::string target = TrashInfo::candidateName(name, number);
+        if (isTaken(trash.files.fd(), target))
+            continue;
+        result.error = TrashInfo::create(trash.info.fd(), target, info, ::geteuid(), ::getegid());
+        if (result.error == EEXIST)
+            continue;
+        if (result.error != 0)
+            return result;
+        result.error = renameWithoutReplacing(parent.fd(), name, trash.files.fd(), target);
         if (result.error == 0) {
-            result.location = folder + "/" + target;
+            result.location = Paths::join(trash.path, "files/" + target);
             return result;
         }
+        TrashInfo::remove(trash.info.fd(), target);
+        // Another process took the name between the look and the rename.
         if (result.error != EEXIST)
             return result;
     }
+    result.error = EEXIST;
     return result;
+}
+
+int deleteForGood(const std::string& path) {
+    SafeFs::Dir parent;
+    std::string name;
+    if (const int error = SafeFs::openParent(path, parent, name))
+        return error;
+    const int error = SafeFs::removeTree(parent.fd(), name);
+    if (!liesInTrashFiles(path) || !isGone(parent.fd(), name))
+        return error;
+    // Through the files/ folder that held the item, so its own trash is the one meant.
+    constexpr int flags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    const SafeFs::Dir trash(::openat(parent.fd(), "..", flags));
+    if (!trash)
+        return error;
+    const SafeFs::Dir info(::openat(trash.fd(), "info", flags));
+    if (info)
+        TrashInfo::remove(info.fd(), name);
+    return error;
+}
+
+bool isInsideTrash(const std::string& path) {
+    const std::string mountTrashFiles = "/" + mountTrashName() + "/files/";
+    return path.find("/.Trash/") != std::string::npos || path.find("/.Trashes/") != std::string::npos ||
+           path.starts_with(homeTrashFolder() + "/files/") || path.find(mountTrashFiles) != std::string::npos;
 }
 
 } // namespace Trash

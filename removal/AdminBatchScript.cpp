@@ -1,6 +1,5 @@
 #include "removal/AdminBatchScript.h"
 
-#include "platform/Paths.h"
 #include "platform/ShellQuote.h"
 #include "platform/Text.h"
 
@@ -49,27 +48,35 @@ bool writesLine(const Cleaner::PrivilegedWork& pair) {
     return pair.item.url && !Cleaner::isRefusedPath(*pair.item.url);
 }
 
+std::vector<WorkList::Step> steps(const std::vector<Cleaner::PrivilegedWork>& work) {
+    std::vector<WorkList::Step> steps;
+    for (size_t k = 0; k < work.size(); ++k) {
+        const Cleaner::PrivilegedWork& pair = work[k];
+        if (!writesLine(pair))
+            continue;
+        if (pair.item.method.isCommand())
+            steps.push_back({WorkList::Step::Kind::command, entryKey(k), pair.item.method.command});
+        else
+            steps.push_back({pair.permanent ? WorkList::Step::Kind::remove : WorkList::Step::Kind::move,
+                             entryKey(k), *pair.item.url});
+    }
+    return steps;
+}
+
+std::string itemLine(const WorkList::Step& step) {
+    const char* function = step.kind == WorkList::Step::Kind::command  ? "run_cmd "
+                           : step.kind == WorkList::Step::Kind::remove ? "rm_item "
+                                                                       : "mv_item ";
+    return function + shellQuote(step.payload) + " " + step.key;
+}
+
 std::string build(const std::string& dest, const std::vector<Cleaner::PrivilegedWork>& work, unsigned uid,
                   unsigned gid) {
     std::string script = "#!/bin/sh\n";
     script += "DEST=" + shellQuote(dest) + "\n";
     script += helpers;
-    for (size_t k = 0; k < work.size(); ++k) {
-        const Cleaner::PrivilegedWork& pair = work[k];
-        if (!writesLine(pair))
-            continue;
-        if (pair.item.method.isCommand()) {
-            script += "run_cmd " + shellQuote(pair.item.method.command);
-        } else {
-            // The standardized path is the one the safety check judged; for the
-            // canonical paths a scan produces it is the recorded path unchanged, and
-            // it never carries "..", "." or a trailing "/" that would make the root
-            // shell resolve a different file than the one approved.
-            const std::string path = Paths::standardizedPath(*pair.item.url);
-            script += (pair.permanent ? "rm_item " : "mv_item ") + shellQuote(path);
-        }
-        script += " " + entryKey(k) + "\n";
-    }
+    for (const WorkList::Step& step : steps(work))
+        script += itemLine(step) + "\n";
     script += "chown -R " + std::to_string(uid) + ":" + std::to_string(gid) + " \"$DEST\" 2>/dev/null\n";
     script += "rmdir \"$DEST\" 2>/dev/null\n";
     script += "exit 0\n";

@@ -1,7 +1,10 @@
 #pragma once
 // The administrator batch script and the reading of its answers, as pure functions.
+// The script is the documented form of the helper's work list: both are made from the
+// same steps, so they name the same keys, kinds and paths in the same order.
 
 #include "removal/Cleaner.h"
+#include "removal/WorkList.h"
 
 #include <map>
 #include <string>
@@ -13,10 +16,16 @@ namespace AdminBatchScript {
 // H + "/.Trash/Veltro-" + yyyyMMdd-HHmmss of the given local time.
 std::string destination(const std::string& home, Date localNow);
 
-// The whole script, line by line, for DEST, the work list and the owner ids. The
-// k-th pair answers under the key "i<k>"; pairs for which writesLine is false get
-// no line but keep their index. Item lines carry the standardized path, the one the
-// safety check judged.
+// The steps of the work list: the k-th pair answers under the key "i<k>"; pairs for
+// which writesLine is false get no step but keep their index. Paths are the items'
+// paths as recorded.
+std::vector<WorkList::Step> steps(const std::vector<Cleaner::PrivilegedWork>& work);
+
+// A step's line of the script: mv_item, rm_item or run_cmd, the quoted path or
+// command, and the key.
+std::string itemLine(const WorkList::Step& step);
+
+// The whole script, line by line, for DEST, the work list and the owner ids.
 std::string build(const std::string& dest, const std::vector<Cleaner::PrivilegedWork>& work, unsigned uid,
                   unsigned gid);
 

@@ -1,22 +1,23 @@
 #include "removal/Cleaner.h"
 
 #include "catalogue/CleanupRules.h"
-#include "platform/Date.h"
+#include "catalogue/ProtectedPaths.h"
 #include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/Paths.h"
-#include "platform/SafeFs.h"
 #include "platform/Text.h"
 #include "platform/Trash.h"
 #include "removal/AdminBatchScript.h"
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
+#include "removal/WorkList.h"
 #include "scanning/DiskInfo.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <map>
 #include <optional>
 #include <set>
@@ -50,17 +51,24 @@ void report(const Progress& progress, double fraction, const std::string& text) 
         progress(fraction, text);
 }
 
-// True when some component of the parent chain is a symbolic link (or the chain no
-// longer resolves): the root shell of the batch would follow such a link, so the
-// item is not handed to it.
-bool hasUnsafeParentChain(const std::string& standardized) {
-    const std::string parent = Paths::parentFolder(standardized);
-    char* resolved = ::realpath(parent.c_str(), nullptr);
-    if (!resolved)
-        return true;
-    const bool same = parent == resolved;
-    std::free(resolved);
-    return !same;
+// Now as the user's clock shows it, in seconds: the helper formats it as UTC, so the
+// dated folder carries the user's local time whatever zone root is in.
+int64_t localWallClockSeconds() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    return static_cast<int64_t>(now) + local.tm_gmtoff;
+}
+
+// The dated folder's name from the helper's "DEST|<name>" line; empty when none came.
+std::string datedFolderName(std::string_view output) {
+    for (std::string_view line : Text::lines(output)) {
+        const auto pieces = Text::splitAtFirstBar(line);
+        if (pieces && pieces->first == "DEST" && pieces->second.starts_with("Veltro-") &&
+            pieces->second.find('/') == std::string_view::npos)
+            return std::string(pieces->second);
+    }
+    return {};
 }
 
 std::string commandFailureReason(const Shell::Output& output) {
@@ -80,13 +88,22 @@ bool isRefusedPath(const std::string& path) {
     const std::string standardized = Paths::standardizedPath(path);
     if (standardized.empty() || standardized.front() != '/')
         return true;
-    const std::set<std::string>& protectedPaths = CleanupRules::protectedPaths();
-    if (protectedPaths.contains(standardized) || Paths::componentCount(standardized) < 4)
+    // Temporary files lie directly in the shared temporary folders or the user's own
+    // one, shallower than anything else worth removing: there the depth rule would
+    // refuse every item, so only the protected paths apply.
+    const auto isTooShallow = [](const std::string& candidate) {
+        if (Paths::componentCount(candidate) >= 4)
+            return false;
+        const std::string parent = Paths::parentFolder(candidate);
+        const bool inTemporaryFolder = parent == "/tmp" || parent == "/var/tmp" ||
+                                       (parent == Environment::temporaryFolder() && parent != "/");
+        return !inTemporaryFolder;
+    };
+    if (ProtectedPaths::contains(standardized) || isTooShallow(standardized))
         return true;
     // The same folder reached through a link in the parent chain is still protected.
     const std::string canonical = Paths::canonicalPath(standardized);
-    return canonical != standardized &&
-           (protectedPaths.contains(canonical) || Paths::componentCount(canonical) < 4);
+    return canonical != standardized && (ProtectedPaths::contains(canonical) || isTooShallow(canonical));
 }
 
 // Items are removed at their standardized path, the one the safety check judged:
@@ -131,7 +148,7 @@ CleanResult clean(const std::vector<ScanItem>& items, const Progress& progress) 
         case RemovalMethod::Kind::permanent: {
             if (!path)
                 break;
-            const int error = SafeFs::removeItem(*path);
+            const int error = Trash::deleteForGood(*path);
             if (error == 0) {
                 result.succeeded.push_back(item);
                 result.deletedBytes += item.size.value_or(0);
@@ -170,31 +187,19 @@ CleanResult clean(const std::vector<ScanItem>& items, const Progress& progress) 
 }
 
 void runPrivileged(const std::vector<PrivilegedWork>& work, CleanResult& result) {
-    const std::string& home = Environment::homeFolder();
-    const std::string dest = AdminBatchScript::destination(home, Dates::now());
-
-    // Pairs whose parent chain now holds a link lose their path, so the script gives
-    // them no line (their index, and so every other key, stays the same).
-    std::vector<PrivilegedWork> scripted = work;
-    bool movesSomething = false;
-    for (PrivilegedWork& pair : scripted) {
-        if (!AdminBatchScript::writesLine(pair) || pair.item.method.isCommand())
-            continue;
-        if (hasUnsafeParentChain(Paths::standardizedPath(*pair.item.url))) {
-            pair.item.url.reset();
-            continue;
-        }
-        movesSomething = movesSomething || !pair.permanent;
-    }
-    // The script's `mkdir -p` runs as the administrator; a Trash folder it had to
-    // create would belong to the administrator and refuse every later move.
-    if (movesSomething)
-        ::mkdir(Paths::join(home, ".Trash").c_str(), 0700);
-
-    const std::string script =
-        AdminBatchScript::build(dest, scripted, Environment::realUserID(), Environment::realGroupID());
-    const Shell::Output output = Privileged::run(
-        script, localized("Veltro needs administrator privileges to clean system files."), batchTimeout);
+    // The helper judges every path again as root and acts only through descriptors;
+    // here the list is made and the answers are read.
+    WorkList::Batch batch;
+    batch.uid = Environment::realUserID();
+    batch.gid = Environment::realGroupID();
+    batch.home = Environment::homeFolder();
+    batch.temporary = Environment::temporaryFolder();
+    batch.trash = Trash::homeTrashFolder();
+    batch.localTime = localWallClockSeconds();
+    batch.steps = AdminBatchScript::steps(work);
+    const Shell::Output output = Privileged::runHelper(
+        {WorkList::cleanMode, WorkList::encode(batch),
+         localized("Veltro needs administrator privileges to clean system files."), batchTimeout});
 
     if (output.status != 0) {
         const std::string reason =
@@ -208,14 +213,16 @@ void runPrivileged(const std::vector<PrivilegedWork>& work, CleanResult& result)
     }
 
     const std::map<std::string, bool> answers = AdminBatchScript::parseAnswers(output.standardOutput);
+    std::set<std::string> given;
+    for (const WorkList::Step& step : batch.steps)
+        given.insert(step.key);
     bool moved = false;
     for (size_t k = 0; k < work.size(); ++k) {
         const PrivilegedWork& pair = work[k];
-        const auto answer = answers.find(AdminBatchScript::entryKey(k));
-        // Only a line the script was given can speak for an item.
-        const bool ok =
-            AdminBatchScript::writesLine(scripted[k]) && answer != answers.end() && answer->second;
-        if (!ok) {
+        const std::string key = AdminBatchScript::entryKey(k);
+        const auto answer = answers.find(key);
+        // Only a step the helper was given can speak for an item.
+        if (!given.contains(key) || answer == answers.end() || !answer->second) {
             result.recordFailure(pair.item, localized("Protected by macOS (SIP) or currently in use"));
             continue;
         }
@@ -229,8 +236,8 @@ void runPrivileged(const std::vector<PrivilegedWork>& work, CleanResult& result)
             moved = true;
         }
     }
-    if (moved)
-        result.trashedURLs.push_back(dest);
+    if (const std::string dest = datedFolderName(output.standardOutput); moved && !dest.empty())
+        result.trashedURLs.push_back(Paths::join(batch.trash, "files/" + dest));
 }
 
 PurgeResult purge(const std::vector<std::string>& paths) {
@@ -238,15 +245,14 @@ PurgeResult purge(const std::vector<std::string>& paths) {
     const int64_t before = DiskInfo::current().available;
     for (const std::string& given : paths) {
         // Judged and acted on in standardized form, so neither "/.Trash/.." nor a
-        // trailing "/.Trash/" can pass the test while naming something else.
+        // trailing "/files/" can pass the test while naming something else.
         const std::string path = Paths::standardizedPath(given);
-        const bool inTrash =
-            path.find("/.Trash/") != std::string::npos || path.find("/.Trashes/") != std::string::npos;
-        if (!inTrash || path.find('\0') != std::string::npos || path.front() != '/') {
+        if (path.empty() || path.front() != '/' || path.find('\0') != std::string::npos ||
+            !Trash::isInsideTrash(path)) {
             ++result.failed;
             continue;
         }
-        if (SafeFs::removeItem(path) != 0)
+        if (Trash::deleteForGood(path) != 0)
             ++result.failed;
     }
     const int64_t after = DiskInfo::current().available;

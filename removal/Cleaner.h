@@ -33,11 +33,12 @@ struct PurgeResult {
 // The whole pass, blocking; run it off the interface thread.
 CleanResult clean(const std::vector<ScanItem>& items, const Progress& progress = {});
 
-// Deletes for good the given locations, each only when its path contains "/.Trash/"
-// or "/.Trashes/". Blocking.
+// Deletes for good the given locations, each only when it lies inside a trash folder
+// (Trash::isInsideTrash), with its info file. Blocking.
 PurgeResult purge(const std::vector<std::string>& paths);
 
-// The administrator batch over the work list; adds to `result` in place.
+// The administrator batch over the work list, done by veltro-helper as root; adds to
+// `result` in place.
 void runPrivileged(const std::vector<PrivilegedWork>& work, CleanResult& result);
 
 // The safety check shared by the pass and the batch: protected, or fewer than 4

@@ -1,15 +1,15 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 namespace Permissions {
 
-// The files only a process with Full Disk Access may open, in probe order.
-std::vector<std::string> probePaths();
+// The file a Flatpak sandbox puts at the root of the applications it runs.
+inline constexpr const char* sandboxMarker = "/.flatpak-info";
 
-// True when one of the existing probe files can be opened for reading
-// (O_RDONLY | O_NONBLOCK | O_NOFOLLOW, closed at once). Touches nothing else.
+// Linux has no Full Disk Access permission: everything the user may read, the
+// application may read, unless it runs in a sandbox that hides the home folder. True
+// unless the sandbox marker exists. Touches nothing.
 bool hasFullDiskAccess();
 
 // The settings link of the Full Disk Access list.

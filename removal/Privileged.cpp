@@ -1,87 +1,53 @@
 #include "removal/Privileged.h"
 
-#include "platform/Environment.h"
 #include "platform/Localized.h"
+#include "platform/Paths.h"
 #include "platform/ShellQuote.h"
-#include "platform/Uuid.h"
+#include "removal/WorkList.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
+#include <climits>
 #include <mutex>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
+
+#ifndef VELTRO_HELPER_FROM_BINDIR
+#define VELTRO_HELPER_FROM_BINDIR "../libexec/veltro"
+#endif
 
 namespace {
 
 constexpr const char* pkexecPath = "/usr/bin/pkexec";
+constexpr const char* helperName = "veltro-helper";
 
-std::mutex toolMutex;
-Privileged::AuthorizationTool& installedTool() {
-    static Privileged::AuthorizationTool tool;
-    return tool;
+struct Settings {
+    std::mutex lock;
+    Privileged::AuthorizationTool tool;
+    std::string helperPath;
+};
+
+Settings& settings() {
+    static Settings instance;
+    return instance;
 }
 
 Privileged::AuthorizationTool currentTool() {
-    std::lock_guard lock(toolMutex);
-    return installedTool();
+    std::lock_guard guard(settings().lock);
+    return settings().tool;
 }
 
-std::string errorDescription(int error) {
-    char buffer[256];
-    return localized(::strerror_r(error, buffer, sizeof buffer));
+bool isExecutableFile(const std::string& path) {
+    struct stat st {};
+    return ::stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode) && ::access(path.c_str(), X_OK) == 0;
 }
 
-int writeAll(int fd, const std::string& bytes) {
-    size_t written = 0;
-    while (written < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.data() + written, bytes.size() - written);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return n < 0 ? errno : EIO;
-        written += static_cast<size_t>(n);
-    }
-    return 0;
+std::string executableFolder() {
+    char buffer[PATH_MAX];
+    const ssize_t n = ::readlink("/proc/self/exe", buffer, sizeof buffer - 1);
+    if (n <= 0)
+        return {};
+    return Paths::parentFolder(std::string_view(buffer, static_cast<size_t>(n)));
 }
-
-// Writes the file under a temporary name in the same folder and renames it into
-// place, so the tool never sees a partly written script. Returns 0 or an errno.
-int writeScript(const std::string& path, const std::string& script) {
-    const size_t slash = path.rfind('/');
-    std::string pattern = path.substr(0, slash + 1) + "." + path.substr(slash + 1) + "-XXXXXX";
-    std::vector<char> name(pattern.begin(), pattern.end());
-    name.push_back('\0');
-    const int fd = ::mkostemp(name.data(), O_CLOEXEC);
-    if (fd < 0)
-        return errno;
-    int error = writeAll(fd, script);
-    if (error == 0 && ::fchmod(fd, 0700) != 0)
-        error = errno;
-    if (error == 0 && ::fsync(fd) != 0)
-        error = errno;
-    if (::close(fd) != 0 && error == 0)
-        error = errno;
-    if (error == 0 && ::rename(name.data(), path.c_str()) != 0)
-        error = errno;
-    if (error != 0)
-        ::unlink(name.data());
-    return error;
-}
-
-// Removes the script file when the run ends, however it ends.
-class RemoveOnExit {
-public:
-    explicit RemoveOnExit(std::string path) : path_(std::move(path)) {}
-    ~RemoveOnExit() { ::unlink(path_.c_str()); }
-    RemoveOnExit(const RemoveOnExit&) = delete;
-    RemoveOnExit& operator=(const RemoveOnExit&) = delete;
-
-private:
-    std::string path_;
-};
 
 std::string replacingDoubleQuotes(std::string text) {
     for (char& c : text) {
@@ -95,44 +61,75 @@ std::string replacingDoubleQuotes(std::string text) {
 
 namespace Privileged {
 
-Shell::Output runThroughPkexec(const std::string& pkexec, const std::string& scriptPath, double timeout) {
+Shell::Output runThroughPkexec(const std::string& pkexec, const Launch& launch) {
     if (::access(pkexec.c_str(), X_OK) != 0)
         return Shell::Output{
             127, std::string(),
             localized("Administrator rights cannot be requested because pkexec is not installed.")};
-    // pkexec clears PATH and HOME for the program it starts, hence absolute paths;
-    // the C locale keeps its messages recognisable.
-    Shell::Output output =
-        Shell::run("LC_ALL=C " + shellQuote(pkexec) + " /bin/sh " + shellQuote(scriptPath), timeout);
+    std::vector<std::string> command{pkexec};
+    command.insert(command.end(), launch.command.begin(), launch.command.end());
+    // The C locale keeps pkexec's messages recognisable.
+    Shell::Output output = runProcess(command, launch, {"LC_ALL=C"});
     // 126 is pkexec's answer to a dismissed dialog. Callers know a cancelled
-    // authorisation by "-128"; a script that itself exits with 126 looks the same.
+    // authorisation by "-128"; the helper never exits with 126 itself.
     if (output.status == 126)
         output.standardError = "-128: " + output.standardError;
     return output;
 }
 
-Shell::Output runWithPlatformTool(const std::string& scriptPath, const std::string& prompt, double timeout) {
-    // pkexec shows its own policy message; it has no way to take ours.
-    (void)prompt;
+Shell::Output runWithPlatformTool(const Launch& launch) {
     if (::geteuid() == 0)
-        return Shell::run("/bin/sh " + shellQuote(scriptPath), timeout);
-    return runThroughPkexec(pkexecPath, scriptPath, timeout);
+        return runProcess(launch.command, launch);
+    return runThroughPkexec(pkexecPath, launch);
 }
 
 void setAuthorizationTool(AuthorizationTool tool) {
-    std::lock_guard lock(toolMutex);
-    installedTool() = std::move(tool);
+    std::lock_guard guard(settings().lock);
+    settings().tool = std::move(tool);
+}
+
+void setHelperPath(std::string path) {
+    std::lock_guard guard(settings().lock);
+    settings().helperPath = std::move(path);
+}
+
+std::string helperPath() {
+    {
+        std::lock_guard guard(settings().lock);
+        if (!settings().helperPath.empty())
+            return isExecutableFile(settings().helperPath) ? settings().helperPath : std::string();
+    }
+    // Beside the executable in a build tree; below the prefix's libexec folder once
+    // installed (<prefix>/bin/veltro and <prefix>/libexec/veltro/veltro-helper).
+    const std::string folder = executableFolder();
+    if (folder.empty())
+        return {};
+    for (const std::string& candidate :
+         {Paths::join(folder, helperName),
+          Paths::standardizedPath(folder + "/" + VELTRO_HELPER_FROM_BINDIR + "/" + helperName)})
+        if (isExecutableFile(candidate))
+            return candidate;
+    return {};
+}
+
+Shell::Output runHelper(const Request& request, const LineCallback& onLine) {
+    const std::string helper = helperPath();
+    if (helper.empty())
+        return {-1, "", localized("The administrator helper (veltro-helper) was not found.")};
+    Request asked = request;
+    asked.prompt = replacingDoubleQuotes(asked.prompt);
+    const Launch launch{{helper, request.mode}, asked, onLine};
+    const AuthorizationTool tool = currentTool();
+    return tool ? tool(launch) : runWithPlatformTool(launch);
 }
 
 Shell::Output run(const std::string& script, const std::string& prompt, double timeout) {
-    const std::string path = Environment::temporaryFolder() + "/korvane-" + makeUuid() + ".sh";
-    if (const int error = writeScript(path, script))
-        return Shell::Output{-1, std::string(),
-                             localizedFormat("Could not write helper script: %1", {errorDescription(error)})};
-    const RemoveOnExit removal(path);
-    const std::string dialogPrompt = replacingDoubleQuotes(prompt);
-    const AuthorizationTool tool = currentTool();
-    return tool ? tool(path, dialogPrompt, timeout) : runWithPlatformTool(path, dialogPrompt, timeout);
+    return runHelper({WorkList::runMode, WorkList::encodeRun(script), prompt, timeout});
+}
+
+Shell::Output measure(const std::vector<WorkList::MeasuredEntry>& entries, const std::string& prompt,
+                      double timeout, const LineCallback& onLine) {
+    return runHelper({WorkList::measureMode, WorkList::encode(entries), prompt, timeout}, onLine);
 }
 
 std::string appleScript(const std::string& scriptPath, const std::string& prompt) {

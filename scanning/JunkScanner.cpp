@@ -4,7 +4,11 @@
 #include "scanning/JunkScanner.h"
 
 #include "catalogue/CleanupRules.h"
+#include "catalogue/LinuxCommands.h"
+#include "catalogue/LinuxLocations.h"
+#include "catalogue/ProtectedPaths.h"
 #include "platform/ByteCount.h"
+#include "platform/Environment.h"
 #include "platform/Localized.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
@@ -50,6 +54,12 @@ bool listFolder(const std::string& path, std::vector<std::string>& names) {
     return true;
 }
 
+// An entry that cannot be examined counts as someone else's.
+bool isOwnedByUser(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0 && st.st_uid == Environment::realUserID();
+}
+
 std::string replacingAll(std::string text, std::string_view placeholder, std::string_view value) {
     for (size_t at = text.find(placeholder); at != std::string::npos;
          at = text.find(placeholder, at + value.size()))
@@ -70,7 +80,7 @@ public:
                 return false;
             if (rule.needsFullDiskAccess && !options_.hasFullDiskAccess)
                 continue;
-            for (const Source& source : rule.sources) {
+            for (const Source& source : LinuxLocations::sourcesOf(rule)) {
                 if (const auto* children = std::get_if<Source::Children>(&source.value))
                     collectChildren(rule, *children);
                 else if (const auto* items = std::get_if<Source::Items>(&source.value))
@@ -93,6 +103,7 @@ private:
         if (source.olderThanDays)
             cutoff =
                 Dates::now() - std::chrono::seconds(static_cast<int64_t>(*source.olderThanDays) * 86'400);
+        const bool onlyOwnEntries = LinuxLocations::offersOnlyOwnEntries(rule);
         for (const std::string& folder : PathGlob::expand(source.pattern)) {
             std::vector<std::string> names;
             if (!isDirectoryNoFollow(folder) || !listFolder(folder, names))
@@ -101,6 +112,8 @@ private:
                 if (source.exclude.contains(name) || name == ".DS_Store" || name == ".localized")
                     continue;
                 const std::string child = Paths::join(folder, name);
+                if (onlyOwnEntries && !isOwnedByUser(child))
+                    continue;
                 const std::optional<Date> date =
                     source.dateKey == Source::DateKey::modified ? modDate(child) : addedDate(child);
                 if (cutoff && date && *date > *cutoff)
@@ -115,21 +128,46 @@ private:
             add(rule, path, std::nullopt, std::nullopt, 0);
     }
 
+    // A command Linux has its own form of takes that form: its installed steps stand
+    // for the text, their tools for `requires`. Other commands run as written.
     void collectCommand(const Rule& rule, const Source::Command& source) {
-        if (source.requires_ && Shell::run("command -v " + shellQuote(*source.requires_), 10).status != 0)
+        std::string shell = source.shell;
+        bool admin = source.admin;
+        if (const LinuxCommand* command = LinuxCommands::find(source.shell)) {
+            const std::vector<LinuxCommandStep> steps =
+                LinuxCommands::installedSteps(*command, Shell::path());
+            if (steps.empty())
+                return;
+            shell.clear();
+            admin = false;
+            for (const LinuxCommandStep& step : steps) {
+                shell += (shell.empty() ? "" : "\n") + step.shell;
+                admin = admin || step.admin;
+            }
+        } else if (source.requires_ &&
+                   Shell::run("command -v " + shellQuote(*source.requires_), 10).status != 0) {
             return;
+        }
         std::optional<std::string> note;
         if (source.note)
             note = localized(*source.note);
         if (source.probe) {
-            const std::string value = Text::trimmed(Shell::run(*source.probe, 30).standardOutput);
+            std::string probe = *source.probe;
+            if (const LinuxCommand* command = LinuxCommands::find(probe)) {
+                const std::vector<LinuxCommandStep> steps =
+                    LinuxCommands::installedSteps(*command, Shell::path());
+                if (steps.empty())
+                    return;
+                probe = steps.front().shell;
+            }
+            const std::string value = Text::trimmed(Shell::run(probe, 30).standardOutput);
             if (value.empty() || value == "0")
                 return;
             note = note ? replacingAll(std::move(*note), "{value}", value) : value;
         }
         commandItems[rule.category.id].push_back(
             ScanItem{source.id, rule.category.id, localized(source.title), std::nullopt, std::nullopt,
-                     std::nullopt, RemovalMethod::makeCommand(source.shell, source.admin), std::move(note)});
+                     std::nullopt, RemovalMethod::makeCommand(std::move(shell), admin), std::move(note)});
     }
 
     // Gives `path` to the rule's category unless a category already owns it or
@@ -138,7 +176,7 @@ private:
     void add(const Rule& rule, const std::string& path, std::optional<Date> modified,
              std::optional<std::string> note, int depth) {
         const std::string canonical = Paths::canonicalPath(path);
-        if (CleanupRules::protectedPaths().contains(canonical) || claims.isCovered(canonical))
+        if (ProtectedPaths::contains(canonical) || claims.isCovered(canonical))
             return;
         if (claims.hasClaimedDescendant(canonical)) {
             std::vector<std::string> names;

@@ -5,6 +5,7 @@
 
 #include "platform/Environment.h"
 #include "platform/Localized.h"
+#include "platform/XdgFolders.h"
 #include "scanning/LargeFileWalk.h"
 
 #include <algorithm>
@@ -21,6 +22,7 @@ char asciiLower(char c) {
 std::vector<std::string> skipSet(bool hasFullDiskAccess) {
     const std::string& home = Environment::homeFolder();
     std::vector<std::string> skip{home + "/.Trash",
+                                  XdgFolders::dataHome() + "/Trash",
                                   home + "/Library/Caches",
                                   home + "/Library/Metadata",
                                   home + "/Library/Biome",

@@ -1,32 +1,24 @@
 #include "systemdata/SystemDataAnalyzer.h"
 
-#include "platform/Environment.h"
+#include "catalogue/LinuxCommands.h"
 #include "platform/Localized.h"
 #include "platform/ShellQuote.h"
 #include "platform/Text.h"
-#include "platform/Uuid.h"
 #include "removal/Privileged.h"
 #include "removal/Shell.h"
-#include "systemdata/Flag.h"
-#include "systemdata/SystemDataCatalog.h"
+#include "systemdata/SystemDataAreas.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
-#include <chrono>
-#include <fcntl.h>
 #include <limits>
 #include <set>
 #include <sys/statvfs.h>
-#include <thread>
-#include <unistd.h>
 
 namespace {
 
 constexpr double measurementTimeout = 900;
 constexpr double adminActionTimeout = 1800;
 constexpr double userActionTimeout = 600;
-constexpr auto pollInterval = std::chrono::milliseconds(150);
 constexpr size_t analysisMessageLength = 200;
 constexpr size_t actionMessageLength = 300;
 constexpr int64_t kibibyte = 1024;
@@ -69,51 +61,82 @@ int64_t deliveredValue(const std::string& id, int64_t number) {
     return id == "tm" ? number : bytesFromKibibytes(number);
 }
 
-bool createEmptyFile(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (fd < 0)
-        return false;
-    ::close(fd);
-    return true;
+// The snapshot count as the catalogue writes it; the Linux table gives its meaning here.
+constexpr std::string_view snapshotCountCommand =
+    "tmutil listlocalsnapshots / 2>/dev/null | grep -c com.apple";
+
+std::string linuxForm(std::string_view catalogueText) {
+    const LinuxCommand* command = LinuxCommands::find(catalogueText);
+    return command && !command->steps.empty() ? command->steps.front().shell : std::string(catalogueText);
 }
 
-std::optional<std::string> readFile(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-    if (fd < 0)
-        return std::nullopt;
-    std::string content;
-    char buffer[8192];
-    for (;;) {
-        const ssize_t n = ::read(fd, buffer, sizeof buffer);
-        if (n > 0) {
-            content.append(buffer, static_cast<size_t>(n));
-        } else if (n == 0) {
-            break;
-        } else if (errno != EINTR) {
-            ::close(fd);
-            return std::nullopt;
-        }
-    }
-    ::close(fd);
-    return content;
+bool liesInside(const std::string& folder, const std::vector<std::string>& containers) {
+    return std::any_of(containers.begin(), containers.end(), [&](const std::string& container) {
+        return folder.size() > container.size() && folder.starts_with(container) &&
+               (container.ends_with('/') || folder[container.size()] == '/');
+    });
 }
 
-// Hands on every id of the progress file that has not been delivered yet.
-void deliverProgress(const std::string& progressPath, std::set<std::string>& delivered,
-                     const SystemDataAnalyzer::EntryCallback& onEntry) {
-    std::optional<std::string> content = readFile(progressPath);
-    if (!content)
-        return;
-    // A line still being appended is left for the next read: an id is delivered
-    // only once, so a half-written number would stick.
-    const size_t lastLineFeed = content->rfind('\n');
-    content->resize(lastLineFeed == std::string::npos ? 0 : lastLineFeed + 1);
-    for (const auto& [id, number] : SystemDataAnalyzer::parse(Shell::decodeUtf8Lossy(*content))) {
-        if (!delivered.insert(id).second)
+// The report takes the logs away from the system databases after measuring, as the
+// logs' row shows them; every other row whose folder lies inside another's is left out
+// of that row's figure by du itself, so no byte counts twice.
+bool subtractedInReport(const SystemDataEntry& container, const SystemDataEntry& inner) {
+    return container.id == "dbother" && inner.id == "unifiedlogs";
+}
+
+// The folders of other entries that lie inside one of `entry`'s folders (the indexes
+// and images of /var/lib, the runtimes and mail of ~/.local/share, the virtual machines
+// among the app containers).
+std::vector<std::string> foldersOfOthersInside(const std::vector<SystemDataEntry>& entries,
+                                               const SystemDataEntry& entry) {
+    const std::vector<std::string> own = entry.expandedPaths();
+    std::vector<std::string> inside;
+    for (const SystemDataEntry& other : entries) {
+        if (other.id == entry.id || subtractedInReport(entry, other))
             continue;
-        if (onEntry)
-            onEntry(id, deliveredValue(id, number));
+        for (const std::string& folder : other.expandedPaths())
+            if (liesInside(folder, own) && std::find(inside.begin(), inside.end(), folder) == inside.end())
+                inside.push_back(folder);
     }
+    return inside;
+}
+
+// The folders that `entry` measures besides its own: the logs' folders that lie
+// outside the system databases (the journal, outside /var/lib) are counted with them
+// too, so that taking the whole logs figure away in the report leaves exactly the
+// databases.
+std::vector<std::string> foldersAddedForTheReport(const std::vector<SystemDataEntry>& entries,
+                                                  const SystemDataEntry& entry) {
+    std::vector<std::string> added;
+    const std::vector<std::string> own = entry.expandedPaths();
+    for (const SystemDataEntry& other : entries)
+        if (subtractedInReport(entry, other))
+            for (const std::string& folder : other.expandedPaths())
+                if (!liesInside(folder, own))
+                    added.push_back(folder);
+    return added;
+}
+
+// du matches an --exclude pattern against each path it walks; the folder's own wildcard
+// characters must match only themselves.
+std::string asExcludePattern(const std::string& folder) {
+    std::string pattern;
+    for (const char c : folder) {
+        if (c == '*' || c == '?' || c == '[' || c == ']' || c == '\\')
+            pattern += '\\';
+        pattern += c;
+    }
+    return pattern;
+}
+
+// The shell form of one entry's measurement: the KiB of its folders, leaving out `excluded`.
+std::string duCommand(const std::vector<std::string>& excluded, const std::vector<std::string>& folders) {
+    std::string command = "du -skx";
+    for (const std::string& inner : excluded)
+        command += " --exclude=" + shellQuote(asExcludePattern(inner));
+    for (const std::string& folder : folders)
+        command += " " + shellQuote(folder);
+    return command + " 2>/dev/null | awk '{s+=$1} END {print s+0}'";
 }
 
 struct Capacities {
@@ -148,7 +171,7 @@ SystemDataReport reportFrom(const std::string& output) {
         else
             report.sizes[id] = bytesFromKibibytes(number);
     }
-    // The logs live inside /private/var/db but have their own row.
+    // The logs live inside the system databases' folder but have their own row.
     if (const auto dbother = report.sizes.find("dbother"); dbother != report.sizes.end()) {
         const auto logs = report.sizes.find("unifiedlogs");
         const int64_t logBytes = logs == report.sizes.end() ? 0 : logs->second;
@@ -160,6 +183,25 @@ SystemDataReport reportFrom(const std::string& output) {
 
 bool wasCancelled(const Shell::Output& output) {
     return output.standardError.find("-128") != std::string::npos;
+}
+
+Shell::Output runAsAdministrator(const std::string& lines, const std::string& title) {
+    std::string script = "#!/bin/sh\n" + lines;
+    if (!script.ends_with('\n'))
+        script += '\n';
+    return Privileged::run(script, localizedFormat("Veltro needs administrator privileges to: %1", {title}),
+                           adminActionTimeout);
+}
+
+// No message for a run that succeeded; otherwise the reason as the user should read it.
+std::optional<std::string> failureMessage(const Shell::Output& output) {
+    if (output.status == 0)
+        return std::nullopt;
+    if (wasCancelled(output))
+        return localized("Authentication was cancelled");
+    if (const std::string reason = Text::trimmed(output.standardError); !reason.empty())
+        return Text::prefix(reason, actionMessageLength);
+    return localizedFormat("Failed (exit %1)", {std::to_string(output.status)});
 }
 
 } // namespace
@@ -175,57 +217,54 @@ std::vector<std::pair<std::string, int64_t>> parse(std::string_view text) {
     return pairs;
 }
 
+std::vector<WorkList::MeasuredEntry> measuredEntries(const std::vector<SystemDataEntry>& entries) {
+    std::vector<WorkList::MeasuredEntry> measured;
+    for (const SystemDataEntry& entry : entries) {
+        if (entry.id == "tm") {
+            measured.push_back({entry.id, {}, linuxForm(snapshotCountCommand)});
+            continue;
+        }
+        std::vector<std::string> folders = entry.expandedPaths();
+        if (folders.empty())
+            continue;
+        const std::vector<std::string> added = foldersAddedForTheReport(entries, entry);
+        folders.insert(folders.end(), added.begin(), added.end());
+        // du leaves out what another row shows only when asked in the shell's form.
+        if (const std::vector<std::string> inside = foldersOfOthersInside(entries, entry); !inside.empty())
+            measured.push_back({entry.id, {}, duCommand(inside, folders)});
+        else
+            measured.push_back({entry.id, std::move(folders), {}});
+    }
+    return measured;
+}
+
 std::string measurementScript(const std::vector<SystemDataEntry>& entries, const std::string& progressPath) {
     std::string script;
     script += "#!/bin/sh\n";
     script += "PROG=" + shellQuote(progressPath) + "\n";
     script += "emit() { printf '%s|%s\\n' \"$1\" \"$2\"; printf '%s|%s\\n' \"$1\" \"$2\" >> \"$PROG\"; }\n";
-    for (const SystemDataEntry& entry : entries) {
-        if (entry.id == "tm") {
-            script += "emit tm \"$(tmutil listlocalsnapshots / 2>/dev/null | grep -c com.apple)\"\n";
-            continue;
-        }
-        const std::vector<std::string> paths = entry.expandedPaths();
-        if (paths.empty())
-            continue;
-        script += "emit " + shellQuote(entry.id) + " \"$(du -skx";
-        for (const std::string& path : paths)
-            script += " " + shellQuote(path);
-        script += " 2>/dev/null | awk '{s+=$1} END {print s+0}')\"\n";
-    }
+    for (const WorkList::MeasuredEntry& entry : measuredEntries(entries))
+        script += "emit " + (entry.id == "tm" ? entry.id : shellQuote(entry.id)) + " \"$(" +
+                  (entry.countCommand.empty() ? duCommand({}, entry.folders) : entry.countCommand) + ")\"\n";
     script += "exit 0\n";
     return script;
 }
 
 Analysis analyze(const EntryCallback& onEntry) {
-    return analyze(SystemDataCatalog::entries(), onEntry);
+    return analyze(SystemDataAreas::entries(), onEntry);
 }
 
 Analysis analyze(const std::vector<SystemDataEntry>& entries, const EntryCallback& onEntry) {
-    const std::string progressPath = Environment::temporaryFolder() + "/korvane-sd-" + makeUuid() + ".txt";
-    // When the file cannot be made, the script's own appends may still create it;
-    // if not, only the row-by-row progress is lost, never the report.
-    createEmptyFile(progressPath);
-    const std::string script = measurementScript(entries, progressPath);
-
-    Flag finished;
-    Shell::Output output;
-    std::jthread run([&] {
-        output = Privileged::run(script,
-                                 localized("Veltro needs administrator privileges to measure System Data."),
-                                 measurementTimeout);
-        finished.set(true);
-    });
-
+    // The helper answers each entry with a line as soon as it is measured; each id is
+    // handed on once.
     std::set<std::string> delivered;
-    while (!finished.value()) {
-        std::this_thread::sleep_until(std::chrono::steady_clock::now() + pollInterval);
-        deliverProgress(progressPath, delivered, onEntry);
-    }
-    deliverProgress(progressPath, delivered, onEntry);
-    run.join();
-    ::unlink(progressPath.c_str());
-
+    const Shell::Output output = Privileged::measure(
+        measuredEntries(entries), localized("Veltro needs administrator privileges to measure System Data."),
+        measurementTimeout, [&](std::string_view line) {
+            for (const auto& [id, number] : parse(Shell::decodeUtf8Lossy(line)))
+                if (delivered.insert(id).second && onEntry)
+                    onEntry(id, deliveredValue(id, number));
+        });
     if (output.status != 0) {
         if (wasCancelled(output))
             return {std::nullopt, localized("Authentication was cancelled")};
@@ -236,19 +275,35 @@ Analysis analyze(const std::vector<SystemDataEntry>& entries, const EntryCallbac
 }
 
 std::optional<std::string> perform(const SystemDataEntry::Action& action) {
-    const Shell::Output output =
-        action.admin
-            ? Privileged::run("#!/bin/sh\n" + action.shell + "\n",
-                              localizedFormat("Veltro needs administrator privileges to: %1", {action.title}),
-                              adminActionTimeout)
-            : Shell::run(action.shell, userActionTimeout);
-    if (output.status == 0)
-        return std::nullopt;
-    if (wasCancelled(output))
-        return localized("Authentication was cancelled");
-    if (const std::string reason = Text::trimmed(output.standardError); !reason.empty())
-        return Text::prefix(reason, actionMessageLength);
-    return localizedFormat("Failed (exit %1)", {std::to_string(output.status)});
+    const LinuxCommand* command = LinuxCommands::find(action.shell);
+    if (!command) {
+        const Shell::Output output = action.admin ? runAsAdministrator(action.shell, action.title)
+                                                  : Shell::run(action.shell, userActionTimeout);
+        return failureMessage(output);
+    }
+    // Never report success for what could not run: a missing tool is the failure.
+    const std::vector<LinuxCommandStep> steps = LinuxCommands::installedSteps(*command, Shell::path());
+    if (steps.empty())
+        return LinuxCommands::unavailableReason(*command, Shell::path());
+    // The administrator's steps first, under one password prompt; then the user's own.
+    std::string adminScript;
+    for (const LinuxCommandStep& step : steps)
+        if (step.admin)
+            adminScript += step.shell + "\n";
+    std::optional<std::string> failure;
+    if (!adminScript.empty()) {
+        const Shell::Output output = runAsAdministrator(adminScript, action.title);
+        if (wasCancelled(output))
+            return localized("Authentication was cancelled");
+        failure = failureMessage(output);
+    }
+    for (const LinuxCommandStep& step : steps)
+        if (!step.admin)
+            if (std::optional<std::string> message =
+                    failureMessage(Shell::run(step.shell, userActionTimeout));
+                message && !failure)
+                failure = std::move(message);
+    return failure;
 }
 
 } // namespace SystemDataAnalyzer

@@ -1,7 +1,9 @@
 #pragma once
-// Measures the System Data areas with one administrator script and performs their
-// actions. Blocking calls; run them off the interface thread.
+// Measures the System Data areas with administrator rights (one password prompt, the
+// helper measuring entry by entry) and performs their actions. Blocking calls; run
+// them off the interface thread.
 
+#include "removal/WorkList.h"
 #include "systemdata/SystemDataEntry.h"
 #include "systemdata/SystemDataReport.h"
 
@@ -15,8 +17,8 @@
 
 namespace SystemDataAnalyzer {
 
-// Called once per id as results arrive (bytes; for "tm" the snapshot count), from
-// the analysing thread: the receiver moves it to its own thread.
+// Called once per id as results arrive (bytes; for "tm" the snapshot count), on the
+// analysing thread: the receiver moves it to its own thread.
 using EntryCallback = std::function<void(const std::string& id, int64_t value)>;
 
 struct Analysis {
@@ -36,7 +38,13 @@ std::optional<std::string> perform(const SystemDataEntry::Action& action);
 // "id|number" lines in order; malformed lines ignored.
 std::vector<std::pair<std::string, int64_t>> parse(std::string_view text);
 
-// The measurement script for the entries, writing progress to `progressPath`.
+// What the helper measures for the entries: each entry's folders, or the shell text
+// whose output is its value (the snapshot count; a du that leaves out the folders other
+// entries show).
+std::vector<WorkList::MeasuredEntry> measuredEntries(const std::vector<SystemDataEntry>& entries);
+
+// The same measurement written as one shell script that also appends each line to
+// `progressPath`: the documented form of the helper's work, one line per measured entry.
 std::string measurementScript(const std::vector<SystemDataEntry>& entries, const std::string& progressPath);
 
 } // namespace SystemDataAnalyzer

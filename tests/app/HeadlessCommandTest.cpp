@@ -78,8 +78,9 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
     const QJsonArray categories = root["categories"].toArray();
     ASSERT_EQ(categories.size(), 22);
 
-    const std::set<QString> categoryKeys{"id",        "group", "title", "risk", "selectedByDefault",
-                                         "totalSize", "items"};
+    const std::set<QString> categoryKeys{"id",        "group", "title",   "risk", "selectedByDefault",
+                                         "totalSize", "items", "searched"};
+    std::set<QString> searched;
     const std::set<QString> itemKeys{"id",     "name",    "path",  "size", "modified",
                                      "method", "command", "admin", "note"};
     std::map<std::string, QJsonObject> byPath; // the exact path bytes of every item with a path
@@ -107,7 +108,17 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
                 brew = item;
         }
         EXPECT_EQ(category["totalSize"].toInteger(), total);
+        for (const QJsonValue& folder : category["searched"].toArray())
+            searched.insert(folder.toString());
+        if (category["id"] == QStringLiteral("user.caches")) {
+            EXPECT_EQ(category["searched"], QJsonArray{QString::fromStdString(home.path("Library/Caches"))});
+        }
     }
+    // The text report counts each folder once, whichever categories searched it.
+    const CommandRun text = CommandRun::of(home, {"scan"});
+    EXPECT_NE(text.out.find("\nSearched " + std::to_string(searched.size()) + " places.\n"),
+              std::string::npos)
+        << text.out;
 
     for (const std::string& name : names) {
         const std::string path = Paths::canonicalPath(home.path("Library/Caches/" + name));
@@ -176,7 +187,7 @@ TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     for (const std::string& path : {fixture.cacheA, fixture.cacheB, fixture.log, fixture.oldTrash})
         EXPECT_FALSE(exists(path)) << path;
     for (const char* name : {"com.example.a", "com.example.b", "app.log"})
-        EXPECT_TRUE(exists(home.path(std::string(".Trash/") + name))) << name;
+        EXPECT_TRUE(exists(home.path(std::string(".local/share/Trash/files/") + name))) << name;
     EXPECT_TRUE(exists(fixture.store));
     EXPECT_TRUE(exists(fixture.document));
 
@@ -184,11 +195,13 @@ TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     const CommandRun purged =
         CommandRun::of(home, {"clean", "--category", "user.caches", "--yes", "--purge"});
     EXPECT_EQ(purged.status, 0) << purged.out << purged.err;
-    EXPECT_NE(purged.out.find("Cleaned 1 Items"), std::string::npos) << purged.out;
+    EXPECT_NE(purged.out.find("Cleaned 1 Item\n"), std::string::npos) << purged.out;
     EXPECT_NE(purged.out.find("Deleted permanently — freed "), std::string::npos) << purged.out;
     EXPECT_FALSE(exists(home.path("Library/Caches/com.example.fresh")));
-    EXPECT_FALSE(exists(home.path(".Trash/com.example.fresh")));
-    EXPECT_TRUE(exists(home.path(".Trash/com.example.a"))) << "the purge reached beyond its own clean";
+    EXPECT_FALSE(exists(home.path(".local/share/Trash/files/com.example.fresh")));
+    EXPECT_FALSE(exists(home.path(".local/share/Trash/info/com.example.fresh.trashinfo")));
+    EXPECT_TRUE(exists(home.path(".local/share/Trash/files/com.example.a")))
+        << "the purge reached beyond its own clean";
 }
 
 TEST(HeadlessRun, WaitingForTheScanLeavesTheProcessorAlone) {

@@ -161,7 +161,7 @@ TEST(CleanFlow, TwoOfFiveFailAndTheResultLandsInOneStep) {
     EXPECT_EQ(model.items().size(), 3u); // the two failures and the untouched one
     EXPECT_EQ(model.stateOf("user.logs"), State::done);
     for (const char* name : {"com.example.big", "com.example.mid", "only.log"})
-        EXPECT_TRUE(exists(home.path(std::string(".Trash/") + name))) << name;
+        EXPECT_TRUE(exists(home.path(std::string(".local/share/Trash/files/") + name))) << name;
     EXPECT_FALSE(exists(big));
     EXPECT_EQ(model.lastResultInfo().value("failures").toList().size(), 2);
 }
@@ -173,7 +173,8 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     const std::string third = makeCacheFolder(home, "com.example.third", 30'000);
     const std::string fourth = makeCacheFolder(home, "com.example.fourth", 20'000);
     const std::string fifth = makeCacheFolder(home, "com.example.fifth", 10'000);
-    home.makeFileOfSize(".Trash/kept.txt", 4'000); // the user's own Trash stays untouched
+    const std::string trash = home.path(".local/share/Trash/files/");
+    home.makeFileOfSize(".local/share/Trash/files/kept.txt", 4'000); // the user's own Trash stays untouched
     AppModel model;
     ASSERT_TRUE(scanToEnd(model));
 
@@ -181,14 +182,14 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     model.setSelected(second, true);
     ASSERT_TRUE(cleanToEnd(model));
     ASSERT_EQ(model.lastResult()->trashedURLs.size(), 2u);
-    ASSERT_TRUE(exists(home.path(".Trash/com.example.first")));
+    ASSERT_TRUE(exists(trash + "com.example.first"));
 
     ASSERT_TRUE(purgeToEnd(model));
     EXPECT_TRUE(purgeLine("").match(model.purgeMessage()).hasMatch()) << model.purgeMessage().toStdString();
     EXPECT_TRUE(model.lastResult()->trashedURLs.empty());
-    EXPECT_FALSE(exists(home.path(".Trash/com.example.first")));
-    EXPECT_FALSE(exists(home.path(".Trash/com.example.second")));
-    EXPECT_TRUE(exists(home.path(".Trash/kept.txt")));
+    EXPECT_FALSE(exists(trash + "com.example.first"));
+    EXPECT_FALSE(exists(trash + "com.example.second"));
+    EXPECT_TRUE(exists(trash + "kept.txt"));
 
     // Offered once only.
     SignalLog notified(model);
@@ -217,11 +218,11 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     model.purgeLastTrashed();
     ASSERT_TRUE(waitForWorkers(model));
     ASSERT_TRUE(newerApplied);
-    EXPECT_FALSE(exists(home.path(".Trash/com.example.fourth")));
+    EXPECT_FALSE(exists(trash + "com.example.fourth"));
     EXPECT_TRUE(model.purgeMessage().isEmpty());
     ASSERT_EQ(model.lastResult()->trashedURLs.size(), 1u);
     ASSERT_TRUE(purgeToEnd(model));
-    EXPECT_FALSE(exists(home.path(".Trash/com.example.fifth")));
+    EXPECT_FALSE(exists(trash + "com.example.fifth"));
 }
 
 TEST(CleanFlow, PurgeMessageWordsTheFigures) {

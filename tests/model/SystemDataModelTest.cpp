@@ -3,8 +3,10 @@
 
 #include "ModelTestSupport.h"
 
+#include "catalogue/LinuxCommands.h"
 #include "platform/ShellQuote.h"
 #include "support/AuthorizationToolStandIn.h"
+#include "systemdata/SystemDataAreas.h"
 
 #include <optional>
 
@@ -76,6 +78,20 @@ TEST(SystemDataModel, ActionsRunOneAtATimeAndReportTheSpaceFreed) {
     SignalLog notified(model);
     model.runSystemAction(without);
     EXPECT_EQ(notified.total(), 0);
+    // Nor does an action whose tool is not installed, until it is.
+    const SystemDataEntry& runtimes = SystemDataAreas::entries()[4];
+    if (!LinuxCommands::isInstalled("flatpak", Shell::path())) {
+        model.runSystemAction(runtimes);
+        EXPECT_EQ(notified.total(), 0);
+        EXPECT_EQ(model.systemEntries()[4].toMap()["unavailableNote"], "flatpak is not installed");
+        model.refreshEnvironment();
+        notified.clear();
+        home.installTool("flatpak", "exit 0");
+        model.refreshEnvironment();
+        EXPECT_EQ(notified.count("systemToolsChanged"), 1);
+        EXPECT_EQ(model.systemEntries()[4].toMap()["unavailableNote"], "");
+        notified.clear();
+    }
 
     model.runSystemAction(filling);
     EXPECT_EQ(model.systemRunningEntry(), QStringLiteral("fill"));

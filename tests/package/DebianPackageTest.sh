@@ -1,6 +1,7 @@
 #!/bin/sh
 # Builds the Debian package from this build tree and checks what a user would get
-# from `apt install`: the files in their system places, root-owned and not setuid,
+# from `apt install`: the files in their system places (the administrator helper and
+# its polkit action among them), root-owned and not setuid,
 # the control fields, and the desktop files accepted by their validators.
 # Usage: DebianPackageTest.sh BUILD_DIR. Exit 77 (skipped) without dpkg-deb.
 set -eu
@@ -22,7 +23,8 @@ for path in ./usr/bin/veltro \
     ./usr/share/metainfo/app.veltro.Veltro.metainfo.xml \
     ./usr/share/icons/hicolor/scalable/apps/app.veltro.Veltro.svg \
     ./usr/share/doc/veltro/copyright ./usr/share/doc/veltro/changelog.gz \
-    ./usr/share/doc/veltro/LICENSE-phosphor.txt ./usr/share/man/man1/veltro.1.gz; do
+    ./usr/share/doc/veltro/LICENSE-phosphor.txt ./usr/share/man/man1/veltro.1.gz \
+    ./usr/libexec/veltro/veltro-helper ./usr/share/polkit-1/actions/app.veltro.Veltro.helper.policy; do
     grep -q " $path\$" "$work/list" || fail "missing $path"
 done
 awk '$2 != "root/root" { print "not root-owned: " $0 }' "$work/list" | grep . && status=1
@@ -37,6 +39,9 @@ done
 
 dpkg-deb -x "$deb" "$work/root"
 desktop-file-validate "$work/root/usr/share/applications/app.veltro.Veltro.desktop" || fail "desktop entry"
+policy=$work/root/usr/share/polkit-1/actions/app.veltro.Veltro.helper.policy
+xmllint --noout --nonet --dtdvalid /usr/share/polkit-1/policyconfig-1.dtd "$policy" || fail "polkit policy"
+grep -q '>/usr/libexec/veltro/veltro-helper</annotate>' "$policy" || fail "exec.path is not the packaged helper"
 appstreamcli validate --no-net --pedantic "$work/root/usr/share/metainfo/app.veltro.Veltro.metainfo.xml" \
     >"$work/appstream" 2>&1 || { cat "$work/appstream"; fail "metainfo"; }
 "$work/root/usr/bin/veltro" --version | grep -q "^Veltro $version\$" || fail "the packaged binary does not run"

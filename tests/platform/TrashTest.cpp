@@ -1,17 +1,23 @@
 #include "platform/Trash.h"
-#include "platform/SafeFs.h"
+#include "platform/Environment.h"
+#include "platform/TrashInfo.h"
 
 #include "support/FakeHome.h"
 #include "support/ForkedChild.h"
 #include "support/PathQueries.h"
+#include "support/TrashRestore.h"
 #include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
+#include <set>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,42 +35,86 @@ bool isLinkRefusal(int error) {
     return error == ELOOP || error == ENOTDIR;
 }
 
+// A fake home whose trash is the default one, whatever the machine's environment.
+struct TrashHome : FakeHome {
+    TrashHome() { ::unsetenv("XDG_DATA_HOME"); }
+    std::string trash(const std::string& relative = {}) const {
+        return path(".local/share/Trash") + (relative.empty() ? "" : "/" + relative);
+    }
+};
+
+std::string localNow(const char* zone) {
+    ::setenv("TZ", zone, 1);
+    ::tzset();
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    char text[64];
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
+    return text;
+}
+
 } // namespace
 
-TEST(Trash, MovesAnItemIntoTheHomeTrashByRenaming) {
-    FakeHome home;
+TEST(Trash, MovesIntoTheHomeTrashWithAnInfoFileAFileManagerRestoresFrom) {
+    TrashHome home;
     home.makeFile("Library/Caches/app/data.bin", "cached bytes");
     const std::string item = home.path("Library/Caches/app");
     const ino_t inode = statOf(item).st_ino;
+    const TreeSnapshot original = snapshotTree(item);
 
     EXPECT_EQ(Trash::moveToTrash(home.path("Library/Caches/missing")).error, ENOENT);
-    EXPECT_FALSE(exists(home.path(".Trash")));
+    EXPECT_FALSE(exists(home.path(".local")));
 
-    std::string folder;
-    ASSERT_EQ(Trash::trashFolderFor(item, folder), 0);
-    EXPECT_EQ(folder, home.path(".Trash"));
-
-    ::rmdir(folder.c_str());
     const mode_t oldMask = ::umask(0277);
+    const std::string before = localNow("XYZ-14");
     const Trash::MoveResult moved = Trash::moveToTrash(item);
+    const std::string after = localNow("XYZ-14");
     ::umask(oldMask);
-    ASSERT_EQ(moved.error, 0);
-    EXPECT_EQ(moved.location, home.path(".Trash/app"));
-    EXPECT_EQ(statOf(home.path(".Trash")).st_mode & 07777, 0700u);
-    EXPECT_FALSE(exists(item));
+    ASSERT_EQ(moved.error, 0) << std::strerror(moved.error);
+    EXPECT_EQ(moved.location, home.trash("files/app"));
     EXPECT_EQ(statOf(moved.location).st_ino, inode);
-    EXPECT_TRUE(exists(moved.location + "/data.bin"));
+    for (const char* made : {".local", ".local/share", ".local/share/Trash", ".local/share/Trash/files",
+                             ".local/share/Trash/info"})
+        EXPECT_EQ(statOf(home.path(made)).st_mode & 07777, 0700u) << made;
+    const std::string info = readFile(home.trash("info/app.trashinfo"));
+    const std::string head = "[Trash Info]\nPath=" + item + "\nDeletionDate=";
+    EXPECT_TRUE(info == head + before + "\n" || info == head + after + "\n") << info;
+
+    const Restored restored = restoreFromTrash(moved.location);
+    ASSERT_EQ(restored.original, item) << restored.problem;
+    EXPECT_EQ(snapshotTree(item), original);
+    EXPECT_EQ(entriesOf(home.trash("info")), std::vector<std::string>{});
+}
+
+TEST(Trash, XdgDataHomePlacesTheHomeTrashOnlyWhenAbsolute) {
+    FakeHome home;
+    const std::string data = home.makeDir("data");
+    struct Case {
+        std::string value;
+        std::string expected;
+    };
+    for (const Case& c : std::vector<Case>{{data, data + "/Trash/files/item"},
+                                           {"relative/data", home.path(".local/share/Trash/files/item")}}) {
+        const std::string item = home.makeFile("Library/item", "x");
+        const int status = runInChild([&] {
+            ::setenv("XDG_DATA_HOME", c.value.c_str(), 1);
+            return Trash::moveToTrash(item).location == c.expected ? 0 : 1;
+        });
+        EXPECT_EQ(status, 0) << c.value;
+        EXPECT_TRUE(exists(c.expected)) << c.value;
+    }
 }
 
 TEST(Trash, SameNamesAreNumberedAndNothingInTheTrashIsReplaced) {
-    FakeHome home;
-    home.makeDir(".Trash");
-    home.tree().makeSymlink("home/.Trash/cache", "/nowhere");
-    home.makeFile(".Trash/cache 1", "already trashed");
+    TrashHome home;
+    home.makeDir(".local/share/Trash/files");
+    home.tree().makeSymlink("home/.local/share/Trash/files/cache", "/nowhere");
+    home.makeFile(".local/share/Trash/info/cache 1.trashinfo", "an info file without its item");
     home.makeFile("Library/Caches/cache", "new");
     for (const char* folder : {"a", "b", "c"})
         home.makeFile(std::string(folder) + "/report.txt", folder);
-    const TreeSnapshot trashBefore = snapshotTree(home.path(".Trash"));
+    const TreeSnapshot trashBefore = snapshotTree(home.trash());
 
     std::vector<std::string> locations;
     for (const char* folder : {"a", "b", "c"}) {
@@ -73,40 +123,55 @@ TEST(Trash, SameNamesAreNumberedAndNothingInTheTrashIsReplaced) {
         locations.push_back(moved.location);
     }
     EXPECT_EQ(locations,
-              (std::vector<std::string>{home.path(".Trash/report.txt"), home.path(".Trash/report.txt 1"),
-                                        home.path(".Trash/report.txt 2")}));
+              (std::vector<std::string>{home.trash("files/report.txt"), home.trash("files/report.txt 1"),
+                                        home.trash("files/report.txt 2")}));
     const Trash::MoveResult cache = Trash::moveToTrash(home.path("Library/Caches/cache"));
     ASSERT_EQ(cache.error, 0);
-    EXPECT_EQ(cache.location, home.path(".Trash/cache 2"));
+    EXPECT_EQ(cache.location, home.trash("files/cache 2"));
 
-    TreeSnapshot trashAfter = snapshotTree(home.path(".Trash"));
-    for (const std::string& added : {locations[0], locations[1], locations[2], cache.location})
-        EXPECT_EQ(trashAfter.erase(added), 1u) << added;
+    TreeSnapshot trashAfter = snapshotTree(home.trash());
+    for (const std::string name : {"report.txt", "report.txt 1", "report.txt 2", "cache 2"}) {
+        EXPECT_EQ(trashAfter.erase(home.trash("files/" + name)), 1u) << name;
+        EXPECT_EQ(trashAfter.erase(home.trash("info/" + name + ".trashinfo")), 1u) << name;
+    }
     EXPECT_EQ(describeDifferences(trashBefore, trashAfter), "");
 }
 
-TEST(Trash, RefusesATrashFolderThatIsNotARealFolder) {
-    FakeHome home;
+TEST(Trash, NeverUsesATrashFolderThatIsALinkOrNotAFolder) {
+    struct Case {
+        const char* what;
+        std::vector<const char*> folders; // inside the home
+        const char* link;                 // made a link to the victim
+        const char* file;                 // made a plain file
+    };
+    const std::vector<Case> cases = {
+        {"trash is a link", {".local/share"}, ".local/share/Trash", nullptr},
+        {"files/ is a link", {".local/share/Trash"}, ".local/share/Trash/files", nullptr},
+        {"info/ is a link", {".local/share/Trash/files"}, ".local/share/Trash/info", nullptr},
+        {"trash is a file", {".local/share"}, nullptr, ".local/share/Trash"},
+    };
+    TrashHome home;
     home.tree().makeFile("victim/precious.txt", "precious");
-    home.makeFile("Downloads/old.zip", "zip");
-    home.tree().makeSymlink("home/.Trash", home.tree().path("victim"));
-    const TreeSnapshot before = snapshotTree(home.tree().root());
+    for (const Case& c : cases) {
+        home.makeFile("Downloads/old.zip", "zip");
+        for (const char* folder : c.folders)
+            home.makeDir(folder);
+        if (c.link)
+            home.tree().makeSymlink(std::string("home/") + c.link, home.tree().path("victim"));
+        if (c.file)
+            home.makeFile(c.file, "not a folder");
+        const TreeSnapshot before = snapshotTree(home.tree().root());
 
-    std::string folder;
-    EXPECT_TRUE(isLinkRefusal(Trash::trashFolderFor(home.path("Downloads/old.zip"), folder)));
-    const Trash::MoveResult moved = Trash::moveToTrash(home.path("Downloads/old.zip"));
-    EXPECT_TRUE(isLinkRefusal(moved.error)) << moved.error;
-    EXPECT_EQ(moved.location, "");
-    EXPECT_EQ(describeDifferences(before, snapshotTree(home.tree().root())), "");
-
-    ASSERT_EQ(::unlink(home.path(".Trash").c_str()), 0);
-    home.makeFile(".Trash", "not a folder");
-    EXPECT_EQ(Trash::moveToTrash(home.path("Downloads/old.zip")).error, ENOTDIR);
-    EXPECT_TRUE(exists(home.path("Downloads/old.zip")));
+        const Trash::MoveResult moved = Trash::moveToTrash(home.path("Downloads/old.zip"));
+        EXPECT_TRUE(isLinkRefusal(moved.error)) << c.what << ": " << moved.error;
+        EXPECT_EQ(moved.location, "") << c.what;
+        EXPECT_EQ(describeDifferences(before, snapshotTree(home.tree().root())), "") << c.what;
+        removeTreeForcefully(home.path(".local"));
+    }
 }
 
-TEST(Trash, PermissionErrorsComeBackAsPermissionErrors) {
-    FakeHome home;
+TEST(Trash, PermissionErrorsComeBackAsPermissionErrorsAndLeaveNoInfoFile) {
+    TrashHome home;
     home.makeFile("Library/Logs/mine.log", "mine");
     chownTree(home.home(), unprivilegedUid(), unprivilegedGid());
     // Left to root: a folder the user may not change, and a shared sticky folder.
@@ -121,64 +186,89 @@ TEST(Trash, PermissionErrorsComeBackAsPermissionErrors) {
     }
     EXPECT_EQ(runUnprivileged([&] { return Trash::moveToTrash(home.path("Library/Logs/mine.log")).error; }),
               0);
-    EXPECT_TRUE(exists(home.path(".Trash/mine.log")));
+    EXPECT_TRUE(exists(home.trash("files/mine.log")));
+    EXPECT_EQ(entriesOf(home.trash("info")), std::vector<std::string>{"mine.log.trashinfo"});
 }
 
-TEST(Trash, FreeNameShortensLongNamesAtCharacterBoundaries) {
-    TempTree tree;
-    SafeFs::Dir folder(::open(tree.makeDir("trash").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    ASSERT_TRUE(folder);
-    auto take = [&](const std::string& name) {
-        const int fd = ::openat(folder.fd(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-        ASSERT_GE(fd, 0) << name.size() << " bytes: " << std::strerror(errno);
-        ::close(fd);
-    };
-    const std::string a(250, 'a');
+TEST(Trash, CandidateNamesKeepTheInfoFileWithinTheNameLimit) {
+    // <name>.trashinfo must fit the file system's 255 bytes.
+    const std::string a(240, 'a');
     struct Case {
         std::string name;
+        unsigned number;
         std::string expected;
     };
     const std::vector<Case> cases = {
-        {"plain", "plain 1"},
-        {std::string(255, 'x'), std::string(253, 'x') + " 1"},
-        {a + "aa\xC3\xA9", a + "aa 1"},     // é would be split: it goes whole
-        {a + "a\xE2\x82\xAC", a + "a 1"},   // € likewise
-        {a + "\xF0\x9F\x98\x80", a + " 1"}, // an emoji likewise
+        {"plain", 1, "plain 1"},
+        {std::string(250, 'x'), 0, std::string(245, 'x')},
+        {std::string(255, 'x'), 1, std::string(243, 'x') + " 1"},
+        {std::string(254, 'y'), 10, std::string(242, 'y') + " 10"},
+        {a + "aa\xC3\xA9", 1, a + "aa 1"},     // é would be split: it goes whole
+        {a + "\xF0\x9F\x98\x80", 1, a + " 1"}, // an emoji likewise
         {a + "a\xC3\xA9"
              "b",
-         a + "a\xC3\xA9 1"},                    // é ends right at the cut: kept
-        {a + "aa\xC3\xFF", a + "aa\xC3 1"},     // not UTF-8: cut at the byte
-        {a + "aa\x80\x80\x80", a + "aa\x80 1"}, // stray continuation bytes: cut at the byte
+         1, a + "a\xC3\xA9 1"},                    // é ends right at the cut: kept
+        {a + "aa\xC3\xFF", 1, a + "aa\xC3 1"},     // not UTF-8: cut at the byte
+        {a + "aa\x80\x80\x80", 1, a + "aa\x80 1"}, // stray continuation bytes: cut at the byte
     };
-    for (const Case& c : cases) {
-        take(c.name);
-        EXPECT_EQ(Trash::freeName(folder.fd(), c.name), c.expected) << c.name.size();
-        take(c.expected); // the answer is a name the file system accepts
-    }
-
-    // The suffix grows with the number; the base is cut again to fit it.
-    const std::string y(254, 'y');
-    take(y);
-    for (int number = 1; number <= 9; ++number)
-        take(std::string(253, 'y') + " " + std::to_string(number));
-    EXPECT_EQ(Trash::freeName(folder.fd(), y), std::string(252, 'y') + " 10");
-
-    // A dangling link occupies its name like anything else.
-    ASSERT_EQ(::symlinkat("/nowhere", folder.fd(), "link"), 0);
-    EXPECT_EQ(Trash::freeName(folder.fd(), "link"), "link 1");
-    EXPECT_EQ(Trash::freeName(folder.fd(), "free"), "free");
+    for (const Case& c : cases)
+        EXPECT_EQ(TrashInfo::candidateName(c.name, c.number), c.expected)
+            << c.name.size() << " bytes, " << c.number;
 }
 
-TEST(Trash, AnotherVolumeUsesItsOwnTrashesFolder) {
+TEST(Trash, DeletingForGoodTakesTheItemsInfoFileAlong) {
+    TrashHome home;
+    TempTree& tree = home.tree();
+    // The privileged helper works for the user who asked, not for root.
+    Environment::workFor(4242, 4242);
+    const std::string mountTrash = "vol/.Trash-4242";
+    tree.makeFile("victim/old.trashinfo", "precious");
+    struct Case {
+        const char* what;
+        std::string trash;  // relative to the tree
+        std::string item;   // inside files/
+        bool infoIsLink;    // info/<name>.trashinfo is a link to the victim's file
+        bool infoDirIsLink; // info/ is a link to the victim folder
+        bool infoGoes;
+    };
+    const std::vector<Case> cases = {
+        {"info file is a link", "home/.local/share/Trash", "old", true, false, true},
+        {"a mount's trash of the user worked for", mountTrash, "old", false, false, true},
+        {"info/ is a link", mountTrash, "old", false, true, false},
+        {"not a trash", "home/Projects", "old", false, false, false},
+        {"deeper than files/", "home/.local/share/Trash", "dir/old", false, false, false},
+    };
+    for (const Case& c : cases) {
+        const std::string item = tree.makeFile(c.trash + "/files/" + c.item + "/inside", "trashed");
+        const std::string name = c.item.substr(c.item.rfind('/') + 1);
+        const std::string infoFile = c.trash + "/info/" + name + ".trashinfo";
+        if (c.infoDirIsLink)
+            tree.makeSymlink(c.trash + "/info", tree.path("victim"));
+        else if (c.infoIsLink)
+            tree.makeSymlink(infoFile, tree.path("victim/old.trashinfo"));
+        else
+            tree.makeFile(infoFile, "info");
+        const std::string path = tree.path(c.trash + "/files/" + c.item);
+
+        EXPECT_EQ(Trash::deleteForGood(path), 0) << c.what;
+        EXPECT_FALSE(exists(path)) << c.what;
+        EXPECT_EQ(exists(tree.path(infoFile)), !c.infoGoes) << c.what;
+        EXPECT_EQ(entriesOf(tree.path("victim")), std::vector<std::string>{"old.trashinfo"}) << c.what;
+        EXPECT_EQ(readFile(tree.path("victim/old.trashinfo")), "precious") << c.what;
+        removeTreeForcefully(tree.path(c.trash));
+    }
+}
+
+TEST(Trash, AnotherMountUsesItsOwnTrashAndRenamesIntoIt) {
     if (::geteuid() != 0)
         GTEST_SKIP() << "mounting needs root";
-    FakeHome home;
+    TrashHome home;
     TempTree& tree = home.tree();
     tree.makeFile("victim/precious.txt", "precious");
     for (const char* name : {"vol", "linked", "foreign", "bound", "bindSource"})
         tree.makeDir(name);
     const TreeSnapshot victimBefore = snapshotTree(tree.path("victim"));
-    const std::string user = std::to_string(::getuid());
+    const std::string user = ".Trash-" + std::to_string(::getuid());
 
     const int status = runInChild([&] {
         if (!enterPrivateMountNamespace())
@@ -193,41 +283,69 @@ TEST(Trash, AnotherVolumeUsesItsOwnTrashesFolder) {
 
         tree.makeFile("vol/Projects/build/out.o", "object");
         const ino_t inode = statOf(tree.path("vol/Projects/build")).st_ino;
-        std::string folder;
-        if (Trash::trashFolderFor(tree.path("vol/Projects/build"), folder) != 0 ||
-            folder != tree.path("vol/.Trashes/" + user))
-            return 1;
-        if ((statOf(tree.path("vol/.Trashes")).st_mode & 07777) != 0700 ||
-            (statOf(folder).st_mode & 07777) != 0700)
-            return 2;
         const Trash::MoveResult moved = Trash::moveToTrash(tree.path("vol/Projects/build"));
-        if (moved.error != 0 || moved.location != folder + "/build" || statOf(moved.location).st_ino != inode)
-            return 3;
+        const std::string trash = tree.path("vol/" + user);
+        if (moved.error != 0 || moved.location != trash + "/files/build" ||
+            statOf(moved.location).st_ino != inode)
+            return 1;
+        for (const std::string& folder : {trash, trash + "/files", trash + "/info"})
+            if ((statOf(folder).st_mode & 07777) != 0700)
+                return 2;
+        if (restoreFromTrash(moved.location).original != tree.path("vol/Projects/build"))
+            return 4;
 
         tree.makeFile("bound/item", "x");
         const Trash::MoveResult bound = Trash::moveToTrash(tree.path("bound/item"));
-        if (bound.error != 0 || bound.location != tree.path("bound/.Trashes/" + user + "/item"))
-            return 4;
-
-        tree.makeFile("linked/item", "x");
-        tree.makeDir("linked/.Trashes");
-        tree.makeSymlink("linked/.Trashes/" + user, tree.path("victim"));
-        if (!isLinkRefusal(Trash::moveToTrash(tree.path("linked/item")).error) ||
-            !exists(tree.path("linked/item")))
+        if (bound.error != 0 || bound.location != tree.path("bound/" + user + "/files/item"))
             return 5;
 
-        tree.makeFile("foreign/item", "x");
-        tree.makeDir("foreign/.Trashes/" + user, 0700);
-        if (::chown(tree.path("foreign/.Trashes/" + user).c_str(), 12345, 12345) != 0)
+        // A trash that is a link or another user's is not used.
+        tree.makeSymlink("linked/" + user, tree.path("victim"));
+        tree.makeDir("foreign/" + user, 0700);
+        if (::chown(tree.path("foreign/" + user).c_str(), 12345, 12345) != 0)
             return kChildCannotSetUp;
-        if (Trash::moveToTrash(tree.path("foreign/item")).error != EACCES ||
-            !exists(tree.path("foreign/item")))
-            return 6;
+        for (const char* name : {"linked", "foreign"}) {
+            tree.makeFile(std::string(name) + "/item", "x");
+            const int error = Trash::moveToTrash(tree.path(std::string(name) + "/item")).error;
+            if (!(isLinkRefusal(error) || (error == EACCES && name == std::string("foreign"))) ||
+                !exists(tree.path(std::string(name) + "/item")))
+                return 6;
+        }
         return 0;
     });
     if (status == kChildCannotSetUp)
         GTEST_SKIP() << "mounting is not permitted here";
     EXPECT_EQ(status, 0);
     EXPECT_EQ(describeDifferences(victimBefore, snapshotTree(tree.path("victim"))), "");
-    EXPECT_FALSE(exists(home.path(".Trash")));
+    EXPECT_FALSE(exists(home.path(".local/share/Trash")));
+}
+
+// The desktop's own tools list what was moved, each with its original place.
+TEST(Trash, TheDesktopsTrashListingShowsWhatWasMoved) {
+    if (std::system("command -v gio >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "gio is not installed";
+    TrashHome home;
+    std::set<std::string> expected;
+    // gio shows bytes outside printable ASCII escaped; hostile names are restored elsewhere.
+    for (const char* name : {"report 100%.pdf", "it's", "a+b=c;d"}) {
+        const std::string item = home.makeFile(std::string("Documents/") + name, name);
+        ASSERT_EQ(Trash::moveToTrash(item).error, 0) << name;
+        expected.insert(item);
+    }
+    // gio reads the trash through the desktop's file-system daemon, started on a bus of its own.
+    FILE* listing = ::popen("dbus-run-session -- gio trash --list 2>/dev/null", "r");
+    ASSERT_NE(listing, nullptr);
+    std::set<std::string> listed;
+    char line[4096];
+    while (std::fgets(line, sizeof line, listing)) {
+        std::string text = line;
+        if (text.ends_with("\n"))
+            text.pop_back();
+        // Trashes of the machine's other mounts may be listed too.
+        if (const size_t tab = text.find('\t');
+            tab != std::string::npos && text.find(home.home(), tab) == tab + 1)
+            listed.insert(text.substr(tab + 1));
+    }
+    EXPECT_EQ(::pclose(listing), 0) << "gio needs the gvfs package: run scripts/bootstrap";
+    EXPECT_EQ(listed, expected);
 }

@@ -6,14 +6,17 @@
 #include "platform/ShellQuote.h"
 #include "removal/Cleaner.h"
 #include "removal/Privileged.h"
+#include "removal/WorkList.h"
+#include "support/DeepTree.h"
+#include "support/ForkedChild.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <ctime>
+#include <ftw.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -77,13 +80,25 @@ run_cmd() { if /bin/sh -c "$1" >/dev/null 2>&1; then echo "OK|$2"; else echo "FA
 mv_item '/Users/someone/Library/Caches/it'\''s' i0
 rm_item '/Users/someone/.Trash/old file' i1
 run_cmd 'echo '\''hi'\'' > /dev/null' i2
-mv_item '/Users/someone/Library/Caches/y' i6
+mv_item '/Users/someone/Library/Caches/x/../y' i6
 chown -R 501:20 "$DEST" 2>/dev/null
 rmdir "$DEST" 2>/dev/null
 exit 0
 )script";
     EXPECT_EQ(AdminBatchScript::build("/Users/someone/.Trash/Veltro-20250114-093015", work, 501, 20),
               expected);
+
+    // The helper's work list is the same steps: its decoded list, written as script
+    // lines, is the script's item lines, key for key.
+    WorkList::Batch batch{501, 20, "/Users/someone", "/tmp", "/Users/someone/.local/share/Trash", 0, {}};
+    batch.steps = AdminBatchScript::steps(work);
+    const auto decoded = WorkList::decodeBatch(WorkList::encode(batch));
+    ASSERT_TRUE(decoded.has_value());
+    std::string lines;
+    for (const WorkList::Step& step : decoded->steps)
+        lines += AdminBatchScript::itemLine(step) + "\n";
+    EXPECT_EQ(itemLines(lines), itemLines(expected));
+    EXPECT_EQ(*decoded, batch);
 
     // A destination with a quote is quoted like every other value.
     const std::string quoted = AdminBatchScript::build("/h/it's/.Trash/Veltro-1", {}, 0, 0);
@@ -126,7 +141,7 @@ TEST_F(AdminBatchTest, QuotedNameAndSameBaseNamesAreMovedForReal) {
     EXPECT_EQ(result.movedToTrashBytes, 31); // the unknown size counts 0
     ASSERT_EQ(result.trashedURLs.size(), 1u);
     const std::string dest = result.trashedURLs[0];
-    EXPECT_TRUE(dest.starts_with(home.home() + "/.Trash/Veltro-")) << dest;
+    EXPECT_TRUE(dest.starts_with(home.home() + "/.local/share/Trash/files/Veltro-")) << dest;
     EXPECT_EQ(readFile(dest + "/it's/file"), "quoted");
     EXPECT_EQ(readFile(dest + "/dup"), "A");
     EXPECT_EQ(readFile(dest + "/dup 1"), "B");
@@ -139,7 +154,7 @@ TEST_F(AdminBatchTest, DeletionsAndCommandsLeaveNoDestinationBehind) {
     const std::string doomed = areaFile("doomed/inner", "x");
     const std::string doomedItem = Paths::parentFolder(doomed);
     const std::string marker = area + "/command ran";
-    const std::string trash = home.makeDir(".Trash");
+    const std::string trash = home.makeDir(".local/share/Trash/files");
     const std::vector<std::string> before = veltroFolders(trash);
 
     AuthorizationToolRecorder recorder{realScriptRunner()};
@@ -245,74 +260,52 @@ TEST_F(AdminBatchTest, ToolFailureQuotesTheFirst200Characters) {
     EXPECT_EQ(result.movedToTrashBytes, 0);
 }
 
-// The batch runs as the administrator, so what it moved must be handed back to the
-// user who started the clean (the real ids), or the user could never empty it.
-TEST_F(AdminBatchTest, MovedItemsBelongToTheRealUserAfterwards) {
+// The batch runs as root, so what it moved must be handed back to the user who
+// started the clean, as pkexec names them, with the trash folders it had to make.
+TEST_F(AdminBatchTest, MovedItemsAndNewTrashFoldersBelongToTheUser) {
     if (::geteuid() != 0)
-        GTEST_SKIP() << "needs root to act as the administrator for another real user";
-    const std::string file = areaFile("owned/file", "o");
-    const std::string item = Paths::parentFolder(file);
+        GTEST_SKIP() << "needs root to act as the administrator for another user";
+    const std::string file = areaFile("owned/deeper/file", "o");
+    const std::string item = Paths::parentFolder(Paths::parentFolder(file));
+    // Deeper than the descriptors the hand-over keeps open, with side trees to come
+    // back to: every level must still change owner.
+    ASSERT_EQ(buildDeepTree(item + "/deeper", 600), 0);
     const uid_t user = unprivilegedUid();
     const gid_t group = unprivilegedGid();
+    removeTreeForcefully(home.path(".local"));
+    ASSERT_EQ(::lchown(home.home().c_str(), user, group), 0);
+    ASSERT_EQ(::lchown(home.tmp().c_str(), user, group), 0);
 
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        // Real ids of the user, effective root: what the platform tool sees is the
-        // user's process asking for the administrator.
+    const int code = runInChild([&] {
+        // The user's process (real ids the user's) asks; the helper runs as root with
+        // PKEXEC_UID, as pkexec starts it.
         if (::setresgid(group, 0, 0) != 0 || ::setresuid(user, 0, 0) != 0)
-            ::_exit(10);
-        Privileged::setAuthorizationTool([](const std::string& path, const std::string&, double timeout) {
+            return 10;
+        ScopedAuthorizationTool tool([user](const Privileged::Launch& launch) {
             if (::setresuid(0, 0, 0) != 0 || ::setresgid(0, 0, 0) != 0)
                 return Shell::Output{-1, "", "could not become root"};
-            return Shell::run("/bin/sh " + shellQuote(path), timeout);
+            return Privileged::runProcess(launch.command, launch, {"PKEXEC_UID=" + std::to_string(user)});
         });
         CleanResult result;
         Cleaner::runPrivileged({{pathItem(item, RemovalMethod::adminTrash()), false}}, result);
         if (result.succeeded.size() != 1 || result.trashedURLs.size() != 1)
-            ::_exit(11);
+            return 11;
         const std::string dest = result.trashedURLs[0];
-        for (const std::string& path : {dest, dest + "/owned", dest + "/owned/file"}) {
+        for (const std::string& path :
+             {home.path(".local/share/Trash"), home.path(".local/share/Trash/files"), dest, dest + "/owned",
+              dest + "/owned/deeper", dest + "/owned/deeper/file"}) {
             struct stat st {};
             if (::lstat(path.c_str(), &st) != 0)
-                ::_exit(12);
+                return 12;
             if (st.st_uid != user || st.st_gid != group)
-                ::_exit(13);
+                return 13;
         }
-        ::_exit(0);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
-}
-
-// Created by the script, the Trash folder would belong to the administrator and
-// refuse the user's own later moves; the cleaner makes it first, as the user.
-TEST_F(AdminBatchTest, TrashFolderIsMadeByTheUserBeforeTheBatch) {
-    const std::string trash = home.path(".Trash");
-    removeTreeForcefully(trash);
-    ASSERT_FALSE(exists(trash));
-    if (::geteuid() == 0) {
-        ASSERT_EQ(::lchown(home.home().c_str(), unprivilegedUid(), unprivilegedGid()), 0);
-        ASSERT_EQ(::lchown(home.tmp().c_str(), unprivilegedUid(), unprivilegedGid()), 0);
-    }
-
-    const std::string item = area + "/item";
-    const int code = runUnprivileged([&] {
-        AuthorizationToolRecorder recorder{answering({126, "", "-128"})};
-        CleanResult result;
-        Cleaner::runPrivileged({{pathItem(item, RemovalMethod::adminTrash()), false}}, result);
-        if (recorder.calls().size() != 1)
-            return 1;
-        if (result.failures.size() != 1 || result.failures[0].reason != cancelReason)
-            return 2;
-        return 0;
+        static uid_t expected;
+        expected = user;
+        const auto notTheUsers = [](const char*, const struct stat* st, int, FTW*) {
+            return st->st_uid == expected ? 0 : 1;
+        };
+        return ::nftw(dest.c_str(), notTheUsers, 64, FTW_PHYS) == 0 ? 0 : 14;
     });
     EXPECT_EQ(code, 0);
-    struct stat st {};
-    ASSERT_EQ(::lstat(trash.c_str(), &st), 0);
-    EXPECT_TRUE(S_ISDIR(st.st_mode));
-    EXPECT_EQ(st.st_uid, ::geteuid() == 0 ? unprivilegedUid() : ::geteuid());
-    EXPECT_EQ(st.st_mode & 07777, 0700u);
 }

@@ -2,12 +2,16 @@
 
 #include "platform/Environment.h"
 #include "platform/Paths.h"
+#include "platform/Trash.h"
 #include "removal/Privileged.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 FakeHome& cleanerHome() {
     static FakeHome home;
+    // The trash follows the home, whatever the machine's own data folder.
+    ::unsetenv("XDG_DATA_HOME");
     return home;
 }
 
@@ -16,9 +20,11 @@ void CleanerHomeTest::SetUp() {
         GTEST_SKIP() << "the home folder was read earlier in this process; run this test on its own";
     const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
     area = home.makeDir(std::string("Library/Caches/") + info->test_suite_name() + "." + info->name());
-    // Every test starts with an empty Trash, so dated batch folders of earlier tests
-    // in the same second cannot mix with its own.
+    // Every test starts with empty Trash folders, so dated batch folders of earlier
+    // tests in the same second cannot mix with its own.
     removeTreeForcefully(home.path(".Trash"));
+    removeTreeForcefully(Trash::homeTrashFolder());
+    home.makeDir(".local/share"); // as on any desktop: only the Trash itself is new
 }
 
 void CleanerHomeTest::TearDown() {

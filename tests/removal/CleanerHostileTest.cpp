@@ -6,8 +6,10 @@
 #include "CleanerFixtures.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
+#include "platform/Trash.h"
 #include "support/DeepTree.h"
 #include "support/HostileNames.h"
+#include "support/TrashRestore.h"
 #include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
 
@@ -27,10 +29,10 @@ const std::string sipReason = "Protected by macOS (SIP) or currently in use";
 class CleanerHostileTest : public CleanerHomeTest {
 protected:
     // Everything in the fake home's tree except the items, the Trash folders the
-    // items go to and the temporary folder that holds helper scripts.
+    // items go to (and the folders made for them) and the temporary folder.
     TreeSnapshot snapshotOutside(const std::vector<std::string>& items) const {
         std::set<std::string> excluded(items.begin(), items.end());
-        excluded.insert({home.home() + "/.Trash", home.tmp()});
+        excluded.insert({home.home() + "/.Trash", Trash::homeTrashFolder(), home.tmp()});
         return snapshotTree(home.tree().root(), excluded);
     }
 
@@ -120,6 +122,16 @@ TEST_F(CleanerHostileTest, HostileNamesAreTrashedAndDeletedExactly) {
         EXPECT_FALSE(exists(path)) << path;
     EXPECT_EQ(describeDifferences(before, snapshotOutside(paths)), "");
     EXPECT_FALSE(injectionRan());
+
+    // The desktop puts each one back at its exact place from its info file alone.
+    std::set<std::string> restored;
+    for (const std::string& location : result.trashedURLs) {
+        const Restored back = restoreFromTrash(location);
+        EXPECT_EQ(readFile(back.original + "/content"), Paths::lastComponent(back.original)) << back.problem;
+        restored.insert(back.original);
+    }
+    EXPECT_EQ(restored, std::set<std::string>(toTrash.begin(), toTrash.end()));
+    EXPECT_TRUE(entriesOf(Trash::homeTrashFolder() + "/info").empty());
 }
 
 TEST_F(CleanerHostileTest, HostileNamesPassThroughTheAdministratorBatch) {
@@ -198,7 +210,7 @@ TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
         home.tree().makeSymlink(area.substr(home.tree().root().size() + 1) + "/" + name, victim);
         items.push_back(Paths::parentFolder(item));
     }
-    const auto before = snapshotOutside({home.home() + "/.Trash"});
+    const auto before = snapshotOutside({});
 
     AuthorizationToolRecorder recorder{realScriptRunner()};
     const CleanResult result = cleanEachWay(items);
@@ -206,13 +218,11 @@ TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
     EXPECT_TRUE(result.succeeded.empty());
     ASSERT_EQ(result.failures.size(), 4u);
     EXPECT_TRUE(everyReasonIsNonEmpty(result)) << ::testing::PrintToString(reasonsOf(result));
-    // The batch never gets a line for an item whose parent chain holds a link.
+    // The helper opens each parent chain without following a link, so it refuses too.
     ASSERT_EQ(recorder.calls().size(), 2u);
-    for (const ToolCall& call : recorder.calls())
-        EXPECT_TRUE(itemLines(call.script).empty()) << call.script;
     EXPECT_EQ(result.failures[2].reason, sipReason);
     EXPECT_EQ(result.failures[3].reason, sipReason);
-    EXPECT_EQ(describeDifferences(before, snapshotOutside({home.home() + "/.Trash"})), "");
+    EXPECT_EQ(describeDifferences(before, snapshotOutside({})), "");
 }
 
 TEST_F(CleanerHostileTest, FifosAndSocketsAreRemovedWithoutBlocking) {

@@ -3,6 +3,7 @@
 #include "CleanerFixtures.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
+#include "platform/Trash.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
@@ -184,6 +185,10 @@ TEST_F(CleanerTest, EachMethodMovesDeletesAndCountsItsBytes) {
     const std::string tilde = areaFile("tilde", "t");
     const std::string spelledURL = area + "//./spelled/";
     const std::string tildeURL = "~" + tilde.substr(home.home().size());
+    // Deleted for good from the Trash, an item takes its info file along.
+    const std::string trash = Trash::homeTrashFolder().substr(home.home().size() + 1);
+    const std::string earlier = home.makeFile(trash + "/files/earlier", "e");
+    const std::string earlierInfo = home.makeFile(trash + "/info/earlier.trashinfo", "[Trash Info]\n");
 
     AuthorizationToolRecorder recorder{answering({0, "", ""})};
     const CleanResult result = Cleaner::clean({
@@ -195,10 +200,11 @@ TEST_F(CleanerTest, EachMethodMovesDeletesAndCountsItsBytes) {
         missing,
         pathItem(spelledURL, RemovalMethod::permanent(), 1),
         pathItem(tildeURL, RemovalMethod::trash(), 2),
+        pathItem(earlier, RemovalMethod::permanent(), 4),
     });
 
     EXPECT_TRUE(recorder.calls().empty());
-    ASSERT_EQ(result.succeeded.size(), 5u) << ::testing::PrintToString(reasonsOf(result));
+    ASSERT_EQ(result.succeeded.size(), 6u) << ::testing::PrintToString(reasonsOf(result));
     EXPECT_EQ(result.succeeded[0].name, "to-trash");
     EXPECT_EQ(result.succeeded[1].name, "to-delete");
     EXPECT_EQ(result.succeeded[2].name, "unknown-size");
@@ -206,11 +212,13 @@ TEST_F(CleanerTest, EachMethodMovesDeletesAndCountsItsBytes) {
     EXPECT_EQ(result.succeeded[4].url, tildeURL);
     EXPECT_FALSE(exists(spelled));
     EXPECT_FALSE(exists(tilde));
+    EXPECT_FALSE(exists(earlier));
+    EXPECT_FALSE(exists(earlierInfo));
     EXPECT_EQ(result.movedToTrashBytes, 100 + 2);
-    EXPECT_EQ(result.deletedBytes, 200 + 1);
+    EXPECT_EQ(result.deletedBytes, 200 + 1 + 4);
     ASSERT_EQ(result.trashedURLs.size(), 3u);
     EXPECT_EQ(readFile(result.trashedURLs[2]), "t");
-    EXPECT_EQ(Paths::parentFolder(result.trashedURLs[0]), home.home() + "/.Trash");
+    EXPECT_EQ(result.trashedURLs[0], Trash::homeTrashFolder() + "/files/to-trash");
     EXPECT_EQ(readFile(result.trashedURLs[0] + "/inside"), "trash me");
     EXPECT_EQ(readFile(result.trashedURLs[1]), "?");
     EXPECT_FALSE(exists(Paths::parentFolder(toTrash)));
@@ -248,7 +256,7 @@ TEST_F(CleanerTest, ProgressNamesEachItemThenThePasswordWaitThenDone) {
     const std::string a = areaFile("alpha", "a");
     const std::string b = areaFile("beta", "bb");
     const std::string c = areaFile("gamma", "ccc");
-    AuthorizationToolRecorder recorder{answering({0, "OK|i0\n", ""})};
+    AuthorizationToolRecorder recorder{answering({0, "DEST|Veltro-20250114-093015\nOK|i0\n", ""})};
     ProgressLog progress;
     const CleanResult result =
         Cleaner::clean({pathItem(a, RemovalMethod::trash(), 1), pathItem(b, RemovalMethod::trash(), 2),
@@ -268,7 +276,7 @@ TEST_F(CleanerTest, ProgressNamesEachItemThenThePasswordWaitThenDone) {
     EXPECT_EQ(result.deletedBytes, 3);
     // Two moves of its own, then the batch's dated folder once.
     ASSERT_EQ(result.trashedURLs.size(), 3u);
-    EXPECT_TRUE(Paths::lastComponent(result.trashedURLs[2]).starts_with("Veltro-"));
+    EXPECT_EQ(result.trashedURLs[2], home.path(".local/share/Trash/files/Veltro-20250114-093015"));
 
     // Without administrator work there is no password step.
     progress.clear();
@@ -277,28 +285,44 @@ TEST_F(CleanerTest, ProgressNamesEachItemThenThePasswordWaitThenDone) {
     EXPECT_EQ(recorder.calls().size(), 1u);
 }
 
-TEST_F(CleanerTest, PurgeDeletesOnlyInsideTrashFolders) {
+// Inside any trash folder, and only there; a trashed item's info file goes with it.
+TEST_F(CleanerTest, PurgeDeletesOnlyInsideTrashFoldersWithTheirInfoFiles) {
+    const std::string trash = Trash::homeTrashFolder().substr(home.home().size() + 1);
+    const std::string mountTrash = "Volume/.Trash-" + std::to_string(::getuid());
+    const std::string othersTrash =
+        home.makeFile("Volume/.Trash-" + std::to_string(::getuid() + 1) + "/files/x");
+    std::vector<std::string> trashed;
+    for (const std::string& folder : {trash, mountTrash}) {
+        trashed.push_back(home.makeFile(folder + "/files/old/inside", "old"));
+        home.makeFile(folder + "/info/old.trashinfo", "[Trash Info]\n");
+    }
     const std::string outside = areaFile("outside", "stay");
     const std::string inTrash = home.makeFile(".Trash/old", "old");
     const std::string inTrashes = home.makeFile("Volume/.Trashes/0/older", "older");
     const std::string documents = home.makeFile("Documents/keep", "keep");
-    const std::string trashKeep = home.makeFile(".Trash/keep", "keep");
+    const std::string trashKeep = home.makeFile(trash + "/files/keep", "keep");
+    const std::string infoKeep = home.makeFile(trash + "/info/keep.trashinfo", "[Trash Info]\n");
 
     const Cleaner::PurgeResult result = Cleaner::purge({
         outside,
+        Paths::parentFolder(trashed[0]),
+        Paths::parentFolder(trashed[1]),
         inTrash,
         inTrashes,
         home.home() + "/.Trash/../Documents",
-        home.home() + "/.Trash/",
-        home.home() + "/.Trash/absent",
+        home.path(trash + "/files/../info/keep.trashinfo"),
+        home.path(trash + "/files/"),
+        home.path(trash + "/files/absent"),
+        othersTrash,
     });
-    EXPECT_EQ(result.failed, 4);
+    EXPECT_EQ(result.failed, 6);
     EXPECT_GE(result.freed, 0);
-    EXPECT_EQ(readFile(outside), "stay");
-    EXPECT_FALSE(exists(inTrash));
-    EXPECT_FALSE(exists(inTrashes));
-    EXPECT_EQ(readFile(documents), "keep");
-    EXPECT_EQ(readFile(trashKeep), "keep");
+    for (const std::string& gone :
+         {Paths::parentFolder(trashed[0]), Paths::parentFolder(trashed[1]), inTrash, inTrashes,
+          home.path(trash + "/info/old.trashinfo"), home.path(mountTrash + "/info/old.trashinfo")})
+        EXPECT_FALSE(exists(gone)) << gone;
+    for (const std::string& kept : {outside, documents, trashKeep, infoKeep, othersTrash})
+        EXPECT_TRUE(exists(kept)) << kept;
 }
 
 // Free space is shared with everything else on the volume: when it shrinks while

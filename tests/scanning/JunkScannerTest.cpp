@@ -1,9 +1,11 @@
 #include "ScanRecorder.h"
 
 #include "catalogue/CleanupRules.h"
+#include "catalogue/LinuxCommands.h"
 #include "platform/Environment.h"
 #include "removal/Shell.h"
 #include "support/FakeHome.h"
+#include "support/SnapshotStandIn.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
@@ -120,31 +122,6 @@ TEST(JunkScanner, SplittingStopsFourLevelsDown) {
     EXPECT_EQ(scan.item(tmp), nullptr);
 }
 
-TEST(JunkScanner, ProtectedPathsAreNeverItemsButTheirEntriesAre) {
-    FakeHome home;
-    // The temporary folder is the home folder itself, so the temporary files rule
-    // meets the protected folders of the home as children.
-    ::setenv("TMPDIR", home.home().c_str(), 1);
-    home.makeFile("Library/Caches/com.example.app/cache.db", "db");
-    const std::string download = home.makeFile("Downloads/installer.dmg", "dmg");
-    home.makeFile(".cache/tool/blob", "blob");
-    home.makeFile("Documents/letter.txt", "letter");
-    home.makeFile("project/main.c", "int main;");
-    setModified(download, daysAgo(200));
-    for (const char* folder : {"Library", "Downloads", ".cache", "Documents", "project"})
-        setModified(home.path(folder), daysAgo(10));
-
-    const RecordedScan scan = recordScan(quietOptions());
-
-    EXPECT_EQ(categoryOf(scan, home.path("project")), "user.temp");
-    for (const char* folder : {"Library", "Downloads", ".cache", "Documents", "Library/Caches"})
-        EXPECT_EQ(scan.item(home.path(folder)), nullptr) << folder;
-    EXPECT_EQ(scan.item(home.home()), nullptr);
-    EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/com.example.app")), "user.caches");
-    EXPECT_EQ(categoryOf(scan, download), "user.downloads");
-    EXPECT_EQ(categoryOf(scan, home.path(".cache/tool")), "dev.stores");
-}
-
 TEST(JunkScanner, AgeCutoffKeepsTheCutoffItselfAndDropsNewerEntries) {
     FakeHome home;
     const std::string atCutoff = home.makeFile("Downloads/at-cutoff.zip", "a");
@@ -177,25 +154,33 @@ TEST(JunkScanner, AgeCutoffKeepsTheCutoffItselfAndDropsNewerEntries) {
     EXPECT_EQ(kept->modified, cutoff);
 }
 
+// Commands Linux has its own form of run in that form, offered where its tool is
+// installed; the others run as written where theirs is.
 TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
     FakeHome home;
     ASSERT_NE(Shell::run("command -v xcrun", 10).status, 0) << "this machine has a real xcrun";
+    const bool realSnapshotTools = LinuxCommands::isInstalled("snapper", Shell::path()) ||
+                                   LinuxCommands::isInstalled("timeshift", Shell::path());
     home.makeFile("Library/Caches/Homebrew/downloads/pkg.tar", "bottle");
     home.installTool("brew", "exit 0");
-    home.installTool("tmutil", "printf 'com.apple.TimeMachine.2024-01-01-000000.local\\n"
-                               "com.apple.TimeMachine.2024-01-02-000000.local\\n"
-                               "com.apple.TimeMachine.2024-01-03-000000.local\\n'");
-
+    // The other platform's snapshot tool means nothing here.
+    home.installTool("tmutil", "echo com.apple.TimeMachine.2024-01-01-000000.local");
     RecordedScan scan = recordScan(quietOptions());
+    if (!realSnapshotTools) {
+        EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);
+    }
 
+    home.installTool("snapper", snapperWithSnapshots(3));
+    scan = recordScan(quietOptions());
     // No xcrun: the simulator clean-up is not offered.
     EXPECT_EQ(scan.item("cmd.simctl"), nullptr);
     const ScanItem* snapshots = scan.item("cmd.tmutil");
     ASSERT_NE(snapshots, nullptr);
     const Source::Command& source = std::get<Source::Command>(CleanupRules::rules()[20].sources[0].value);
+    const LinuxCommandStep& deletion = LinuxCommands::find(source.shell)->steps.front();
     EXPECT_EQ(*snapshots, (ScanItem{"cmd.tmutil", "system.snapshots",
                                     "Delete all Time Machine local snapshots", std::nullopt, std::nullopt,
-                                    std::nullopt, RemovalMethod::makeCommand(source.shell, true),
+                                    std::nullopt, RemovalMethod::makeCommand(deletion.shell, true),
                                     "3 snapshots found (actual size is unknown until deleted)"}));
     // A tool without a probe is offered with its note unchanged (none), before the
     // measured items of its category.
@@ -206,13 +191,13 @@ TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
     EXPECT_EQ(scan.item("cmd.brew")->note, std::nullopt);
     EXPECT_EQ(categoryOf(scan, home.path("Library/Caches/Homebrew")), "dev.packages");
 
-    // The probe counts nothing: "0".
-    home.installTool("tmutil", "exit 0");
+    // The probe counts nothing: number 0 is the running system, not a snapshot.
+    home.installTool("snapper", snapperWithSnapshots(0));
     scan = recordScan(quietOptions());
     EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);
 
     // The probe prints only white space (a grep that finds a blank line, here).
-    home.installTool("tmutil", "echo com.apple");
+    home.installTool("snapper", snapperWithSnapshots(3));
     home.installTool("grep", "printf ' \\t\\r\\n\\n'");
     scan = recordScan(quietOptions());
     EXPECT_EQ(scan.item("cmd.tmutil"), nullptr);

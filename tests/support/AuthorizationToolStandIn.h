@@ -1,11 +1,14 @@
 #pragma once
 // Stand-ins for the authorisation tool, so that no password dialog is ever needed:
-// a scope that installs one and brings the platform's back, tools that run the
-// script as the current user or only answer, and a recorder of every request.
-// Header-only: it needs the removal layer, which not every suite links.
+// a scope that installs one (and points the product at the helper this build made),
+// a tool that runs the real helper as the current user, one that only answers, and a
+// recorder of every request. Header-only: it needs the removal layer, which not
+// every suite links.
 
 #include "platform/ShellQuote.h"
+#include "removal/AdminBatchScript.h"
 #include "removal/Privileged.h"
+#include "removal/WorkList.h"
 #include "support/PathQueries.h"
 
 #include <memory>
@@ -18,6 +21,7 @@
 class ScopedAuthorizationTool {
 public:
     explicit ScopedAuthorizationTool(Privileged::AuthorizationTool tool) {
+        Privileged::setHelperPath(VELTRO_TEST_HELPER);
         Privileged::setAuthorizationTool(std::move(tool));
     }
     ~ScopedAuthorizationTool() { Privileged::setAuthorizationTool({}); }
@@ -25,15 +29,15 @@ public:
     ScopedAuthorizationTool& operator=(const ScopedAuthorizationTool&) = delete;
 };
 
-// What the platform's tool does once the user allowed it: /bin/sh runs the script,
-// here as the current user.
-inline Shell::Output runScriptAsCurrentUser(const std::string& scriptPath, const std::string&,
-                                            double timeout) {
-    return Shell::run("/bin/sh " + shellQuote(scriptPath), timeout);
+// What the platform's tool does once the user allowed it: the helper runs, here as
+// the current user, finding tools where the shell runner's children do (a helper
+// started directly keeps the search path it is given).
+inline Shell::Output runScriptAsCurrentUser(const Privileged::Launch& launch) {
+    return Privileged::runProcess(launch.command, launch, {"PATH=" + Shell::path()});
 }
 
-// Root keeps the platform's own tool (it runs /bin/sh directly, no dialog); anyone
-// else gets runScriptAsCurrentUser.
+// Root keeps the platform's own tool (it starts the helper directly, no dialog);
+// anyone else gets runScriptAsCurrentUser.
 inline Privileged::AuthorizationTool realScriptRunner() {
     if (::geteuid() == 0)
         return {};
@@ -43,11 +47,25 @@ inline Privileged::AuthorizationTool realScriptRunner() {
 // A tool that runs nothing and gives `output`, as a dismissed dialog or a scripted
 // answer would.
 inline Privileged::AuthorizationTool answering(Shell::Output output) {
-    return [output = std::move(output)](const std::string&, const std::string&, double) { return output; };
+    return [output = std::move(output)](const Privileged::Launch&) { return output; };
+}
+
+// The documented form of a request: the batch script's item lines for its steps, or
+// the text a run request gives the shell.
+inline std::string scriptOf(const Privileged::Request& request) {
+    if (request.mode == WorkList::runMode)
+        return WorkList::decodeRun(request.workList).value_or("");
+    std::string lines;
+    if (const auto batch = WorkList::decodeBatch(request.workList))
+        for (const WorkList::Step& step : batch->steps)
+            lines += AdminBatchScript::itemLine(step) + "\n";
+    return lines;
 }
 
 struct ToolCall {
-    std::string script; // the script file's content when the tool was called
+    std::string mode;
+    std::string workList;
+    std::string script; // scriptOf the request
     std::string prompt;
     double timeout = 0;
 };
@@ -57,11 +75,11 @@ struct ToolCall {
 class AuthorizationToolRecorder {
 public:
     explicit AuthorizationToolRecorder(Privileged::AuthorizationTool tool)
-        : scope_([calls = calls_, tool = std::move(tool)](const std::string& path, const std::string& prompt,
-                                                          double timeout) {
-              calls->push_back({readFile(path), prompt, timeout});
-              return tool ? tool(path, prompt, timeout)
-                          : Privileged::runWithPlatformTool(path, prompt, timeout);
+        : scope_([calls = calls_, tool = std::move(tool)](const Privileged::Launch& launch) {
+              const Privileged::Request& request = launch.request;
+              calls->push_back(
+                  {request.mode, request.workList, scriptOf(request), request.prompt, request.timeout});
+              return tool ? tool(launch) : Privileged::runWithPlatformTool(launch);
           }) {}
 
     const std::vector<ToolCall>& calls() const { return *calls_; }

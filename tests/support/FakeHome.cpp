@@ -1,5 +1,7 @@
 #include "support/FakeHome.h"
 
+#include "support/QuietSystemFolders.h"
+
 #include <cstdlib>
 
 FakeHome::FakeHome() {
@@ -15,6 +17,10 @@ FakeHome::FakeHome() {
     tmp_ = tree_.makeDir("tmp");
     ::setenv("HOME", home_.c_str(), 1);
     ::setenv("TMPDIR", tmp_.c_str(), 1);
+    // The desktop folders then lie in the fake home too, never in the real user's.
+    for (const char* name : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+        ::unsetenv(name);
+    quietSystemFolders();
 }
 
 FakeHome::~FakeHome() {

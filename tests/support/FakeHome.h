@@ -1,7 +1,8 @@
 #pragma once
-// A fresh home and temporary folder for the current test process. Construct it
-// before anything reads the home folder: the process keeps the first value it sees,
-// and ctest runs every test in its own process.
+// A fresh home and temporary folder for the current test process, with the desktop
+// folders in it and the machine's system junk folders out of reach (see
+// QuietSystemFolders.h). Construct it before anything reads the home folder: the
+// process keeps the first value it sees, and ctest runs every test in its own process.
 
 #include "support/TempTree.h"
 

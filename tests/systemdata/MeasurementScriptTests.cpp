@@ -1,63 +1,107 @@
 #include "systemdata/SystemDataAnalyzer.h"
-#include "systemdata/SystemDataCatalog.h"
+#include "systemdata/SystemDataAreas.h"
 
 #include "SystemDataTesting.h"
+#include "catalogue/LinuxCommands.h"
+
+#include <cstdlib>
 
 #include <gtest/gtest.h>
 
 namespace {
 
 const std::string duTail = " 2>/dev/null | awk '{s+=$1} END {print s+0}')\"\n";
+const std::string snapshotCount = "tmutil listlocalsnapshots / 2>/dev/null | grep -c com.apple";
 
 } // namespace
 
-TEST(MeasurementScript, CatalogueScriptIsExact) {
-    const std::string h = sharedHome().home();
+// The areas as measured here: each entry's own folders and then its Linux ones, the
+// snapshot count of Snapper or Timeshift, and every folder another row shows left out
+// of the row whose folder holds it (the logs and indexes of /var/lib, the runtimes
+// and mail of ~/.local/share, the virtual machines among the app containers).
+TEST(MeasurementScript, AreasScriptIsExact) {
+    ::setenv("HOME", "/home/some one", 1); // read once per process: first, and outside /tmp
+    const std::string h = "/home/some one";
     const std::string expected =
         "#!/bin/sh\n"
         "PROG='/tmp/korvane-sd-1.txt'\n"
         "emit() { printf '%s|%s\\n' \"$1\" \"$2\"; printf '%s|%s\\n' \"$1\" \"$2\" >> \"$PROG\"; }\n"
-        "emit tm \"$(tmutil listlocalsnapshots / 2>/dev/null | grep -c com.apple)\"\n"
-        "emit 'vm' \"$(du -skx '/private/var/vm' 2>/dev/null | awk '{s+=$1} END {print s+0}')\"\n"
-        "emit 'unifiedlogs' \"$(du -skx '/private/var/db/diagnostics' '/private/var/db/uuidtext'" +
+        "emit tm \"$(if snapper -c root list >/dev/null 2>&1; then snapper -c root --csvout list --columns "
+        "number 2>/dev/null | grep -c '^[1-9]'; else timeshift --list --scripted 2>/dev/null | grep -c -E "
+        "'^[0-9]+ +>'; fi)\"\n"
+        "emit 'vm' \"$(du -skx '/private/var/vm' '/swapfile' '/swap.img' '/var/swap'" +
+        duTail +
+        "emit 'unifiedlogs' \"$(du -skx '/private/var/db/diagnostics' '/private/var/db/uuidtext' "
+        "'/var/log/journal' '/run/log/journal'" +
         duTail + "emit 'spotlight' \"$(du -skx '/System/Volumes/Data/.Spotlight-V100' '" + h +
-        "/Library/Metadata/CoreSpotlight'" + duTail +
+        "/Library/Metadata/CoreSpotlight' '" + h + "/.cache/tracker3' '" + h + "/.local/share/tracker' '" +
+        h + "/.local/share/baloo' '/var/lib/plocate' '/var/lib/mlocate'" + duTail +
         "emit 'simruntimes' \"$(du -skx '/Library/Developer/CoreSimulator/Volumes' "
         "'/Library/Developer/CoreSimulator/Images' '/Library/Developer/CoreSimulator/Cryptex' '" +
-        h + "/Library/Developer/CoreSimulator/Devices'" + duTail + "emit 'vmdisks' \"$(du -skx '" + h +
+        h + "/Library/Developer/CoreSimulator/Devices' '/var/lib/flatpak/runtime' '" + h +
+        "/.local/share/flatpak/runtime'" + duTail + "emit 'vmdisks' \"$(du -skx '" + h +
         "/Library/Containers/com.docker.docker/Data/vms' '" + h +
         "/Library/Group Containers/HUAQ24HBR6.dev.orbstack' '" + h + "/.orbstack' '" + h +
-        "/Library/Containers/com.utmapp.UTM' '" + h + "/Parallels' '" + h + "/.colima' '" + h + "/.lima'" +
-        duTail + "emit 'folders' \"$(du -skx '/private/var/folders'" + duTail +
-        "emit 'assets' \"$(du -skx '/System/Library/AssetsV2' '/private/var/MobileAsset'" + duTail +
-        "emit 'dbother' \"$(du -skx '/private/var/db'" + duTail +
-        "emit 'appsupport' \"$(du -skx '/Library/Application Support' '" + h +
-        "/Library/Application Support'" + duTail + "emit 'containers' \"$(du -skx '" + h +
-        "/Library/Containers' '" + h + "/Library/Group Containers'" + duTail +
-        "emit 'mailmsg' \"$(du -skx '" + h + "/Library/Mail' '" + h + "/Library/Messages'" + duTail +
+        "/Library/Containers/com.utmapp.UTM' '" + h + "/Parallels' '" + h + "/.colima' '" + h +
+        "/.lima' '/var/lib/docker' '/var/lib/containers' '" + h +
+        "/.local/share/containers' '/var/lib/libvirt/images' '" + h + "/.local/share/libvirt/images' '" + h +
+        "/VirtualBox VMs' '" + h +
+        "/.local/share/gnome-boxes/images' '/var/lib/lxd' '/var/snap/lxd/common/lxd' '/var/lib/incus'" +
+        duTail + "emit 'folders' \"$(du -skx '/private/var/folders' '/tmp' '/var/tmp'" + duTail +
+        "emit 'assets' \"$(du -skx '/System/Library/AssetsV2' '/private/var/MobileAsset' "
+        "'/var/lib/snapd/snaps' '/usr/lib/firmware' '/usr/share/fonts'" +
+        duTail +
+        "emit 'dbother' \"$(du -skx --exclude='/var/lib/plocate' --exclude='/var/lib/mlocate' "
+        "--exclude='/var/lib/flatpak/runtime' --exclude='/var/lib/docker' --exclude='/var/lib/containers' "
+        "--exclude='/var/lib/libvirt/images' --exclude='/var/lib/lxd' --exclude='/var/lib/incus' "
+        "--exclude='/var/lib/snapd/snaps' '/private/var/db' '/var/lib' '/var/log/journal' "
+        "'/run/log/journal'" +
+        duTail + "emit 'appsupport' \"$(du -skx --exclude='" + h + "/.local/share/tracker' --exclude='" + h +
+        "/.local/share/baloo' --exclude='" + h + "/.local/share/flatpak/runtime' --exclude='" + h +
+        "/.local/share/containers' --exclude='" + h + "/.local/share/libvirt/images' --exclude='" + h +
+        "/.local/share/gnome-boxes/images' --exclude='" + h + "/.local/share/evolution' --exclude='" + h +
+        "/.local/share/geary' '/Library/Application Support' '" + h + "/Library/Application Support' '" + h +
+        "/.local/share' '" + h + "/.config' '/usr/local/share'" + duTail +
+        "emit 'containers' \"$(du -skx --exclude='" + h + "/Library/Containers/com.docker.docker/Data/vms' " +
+        "--exclude='" + h + "/Library/Group Containers/HUAQ24HBR6.dev.orbstack' --exclude='" + h +
+        "/Library/Containers/com.utmapp.UTM' '" + h + "/Library/Containers' '" + h +
+        "/Library/Group Containers' '" + h + "/.var/app' '" + h + "/snap'" + duTail +
+        "emit 'mailmsg' \"$(du -skx '" + h + "/Library/Mail' '" + h + "/Library/Messages' '" + h +
+        "/.thunderbird' '" + h + "/.local/share/evolution' '" + h + "/.local/share/geary'" + duTail +
         "exit 0\n";
-    const std::string script =
-        SystemDataAnalyzer::measurementScript(SystemDataCatalog::entries(), "/tmp/korvane-sd-1.txt");
-    EXPECT_EQ(script, expected);
-    EXPECT_EQ(std::count(script.begin(), script.end(), '\n'), 16);
+    EXPECT_EQ(SystemDataAnalyzer::measurementScript(SystemDataAreas::entries(), "/tmp/korvane-sd-1.txt"),
+              expected);
+    // The helper is asked for the same: per line, the entry's folders or its command.
+    const std::vector<WorkList::MeasuredEntry> measured =
+        SystemDataAnalyzer::measuredEntries(SystemDataAreas::entries());
+    EXPECT_EQ(measured.size(), 12u);
+    for (const WorkList::MeasuredEntry& entry : measured) {
+        std::string line = "emit " + (entry.id == "tm" ? entry.id : shellQuote(entry.id)) + " \"$(";
+        for (const std::string& folder : entry.folders)
+            line += (folder == entry.folders.front() ? "du -skx " : " ") + shellQuote(folder);
+        line += entry.countCommand.empty() ? duTail : entry.countCommand + ")\"\n";
+        EXPECT_NE(expected.find(line), std::string::npos) << line;
+    }
 }
 
-TEST(MeasurementScript, QuotesIdsAndPathsAndSkipsEntriesWithoutFolders) {
-    std::vector<SystemDataEntry> entries(3);
+TEST(MeasurementScript, QuotesIdsPathsAndExclusionsAndSkipsEntriesWithoutFolders) {
+    std::vector<SystemDataEntry> entries(4);
     entries[0].id = "it's";
     entries[0].paths = {"/data/it's here", "/data/plain"};
     entries[1].id = "empty";
     entries[2].id = "tm";
     entries[2].paths = {"/ignored"};
-    EXPECT_EQ(
-        SystemDataAnalyzer::measurementScript(entries, "/t/o'k.txt"),
-        "#!/bin/sh\n"
-        "PROG='/t/o'\\''k.txt'\n"
-        "emit() { printf '%s|%s\\n' \"$1\" \"$2\"; printf '%s|%s\\n' \"$1\" \"$2\" >> \"$PROG\"; }\n"
-        "emit 'it'\\''s' \"$(du -skx '/data/it'\\''s here' '/data/plain' 2>/dev/null | awk '{s+=$1} END "
-        "{print s+0}')\"\n"
-        "emit tm \"$(tmutil listlocalsnapshots / 2>/dev/null | grep -c com.apple)\"\n"
-        "exit 0\n");
+    // Inside another entry's folder: left out of that entry, its wildcards taken literally.
+    entries[3].id = "inner";
+    entries[3].paths = {"/data/plain/in[1]*"};
+    EXPECT_EQ(SystemDataAnalyzer::measurementScript(entries, "/t/o'k.txt"),
+              "#!/bin/sh\n"
+              "PROG='/t/o'\\''k.txt'\n"
+              "emit() { printf '%s|%s\\n' \"$1\" \"$2\"; printf '%s|%s\\n' \"$1\" \"$2\" >> \"$PROG\"; }\n"
+              "emit 'it'\\''s' \"$(du -skx --exclude='/data/plain/in\\[1\\]\\*' '/data/it'\\''s here' "
+              "'/data/plain'" +
+                  duTail + "emit tm \"$(" + LinuxCommands::find(snapshotCount)->steps.front().shell +
+                  ")\"\n" + "emit 'inner' \"$(du -skx '/data/plain/in[1]*'" + duTail + "exit 0\n");
 }
 
 TEST(SystemDataParse, AcceptsOnlyWholeNumbersAfterTheFirstBar) {

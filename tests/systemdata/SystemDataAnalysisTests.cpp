@@ -1,49 +1,18 @@
 #include "systemdata/SystemDataAnalyzer.h"
 
 #include "SystemDataTesting.h"
-#include "platform/Environment.h"
 #include "removal/Shell.h"
+#include "systemdata/SystemDataAreas.h"
 
-#include <chrono>
-#include <dirent.h>
 #include <gtest/gtest.h>
-#include <mutex>
+#include <optional>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using Calls = std::vector<std::pair<std::string, int64_t>>;
 
-// Every onEntry call, in order, with the time it arrived.
-struct Deliveries {
-    std::mutex lock;
-    std::vector<std::pair<std::string, int64_t>> calls;
-    std::map<std::string, Clock::time_point> times;
-
-    SystemDataAnalyzer::EntryCallback callback() {
-        return [this](const std::string& id, int64_t value) {
-            std::lock_guard guard(lock);
-            calls.emplace_back(id, value);
-            times.emplace(id, Clock::now());
-        };
-    }
-};
-
-std::vector<std::string> progressFilesLeft() {
-    std::vector<std::string> names;
-    if (DIR* dir = ::opendir(Environment::temporaryFolder().c_str())) {
-        while (const dirent* e = ::readdir(dir))
-            if (std::string_view(e->d_name).starts_with("korvane-sd-"))
-                names.emplace_back(e->d_name);
-        ::closedir(dir);
-    }
-    return names;
-}
-
-// The progress file's path as the script names it (the PROG= line, still quoted).
-std::string progressAssignment(const std::string& scriptPath) {
-    const std::string script = readFile(scriptPath);
-    const size_t start = script.find("\nPROG=") + 1;
-    return script.substr(start, script.find('\n', start) - start);
+SystemDataAnalyzer::EntryCallback recordingInto(Calls& calls) {
+    return [&calls](const std::string& id, int64_t value) { calls.emplace_back(id, value); };
 }
 
 int64_t duKibibytes(const std::vector<std::string>& paths) {
@@ -74,69 +43,86 @@ TEST(SystemDataAnalysis, MeasuresFoldersForRealIncludingQuotedPaths) {
     const std::string missing = tree.path("missing");
     sharedHome().makeFileOfSize("Library/Mail/m.eml", 30'000);
 
-    const std::vector<SystemDataEntry> entries{
-        measured("tm", {}), measured("plain", {plain}), measured("quoted", {quoted, missing}),
-        measured("home", {"~/Library/Mail"}), measured("gone", {missing})};
+    // "deep" lies inside "plain": it is its own row, and no byte counts twice.
+    const std::vector<SystemDataEntry> entries{measured("tm", {}),
+                                               measured("plain", {plain}),
+                                               measured("quoted", {quoted, missing}),
+                                               measured("deep", {plain + "/deep"}),
+                                               measured("home", {"~/Library/Mail"}),
+                                               measured("gone", {missing})};
 
     ScopedAuthorizationTool tool(realScriptRunner());
-    Deliveries deliveries;
-    const SystemDataAnalyzer::Analysis analysis = SystemDataAnalyzer::analyze(entries, deliveries.callback());
+    Calls calls;
+    const SystemDataAnalyzer::Analysis analysis = SystemDataAnalyzer::analyze(entries, recordingInto(calls));
 
     ASSERT_FALSE(analysis.message.has_value()) << *analysis.message;
     ASSERT_TRUE(analysis.report.has_value());
     const std::map<std::string, int64_t> expected{
-        {"plain", duKibibytes({plain}) * 1024},
+        {"plain", (duKibibytes({plain}) - duKibibytes({plain + "/deep"})) * 1024},
+        {"deep", duKibibytes({plain + "/deep"}) * 1024},
         {"quoted", duKibibytes({quoted}) * 1024},
         {"home", duKibibytes({sharedHome().path("Library/Mail")}) * 1024},
         {"gone", 0}};
-    EXPECT_GE(expected.at("plain"), 250'000);
+    EXPECT_GE(expected.at("plain"), 200'000);
+    EXPECT_GE(expected.at("deep"), 50'000);
     EXPECT_GE(expected.at("quoted"), 70'000);
     EXPECT_EQ(analysis.report->sizes, expected);
     EXPECT_EQ(analysis.report->snapshotCount, 0);
     EXPECT_EQ(analysis.report->purgeable, 0);
 
-    std::map<std::string, int64_t> delivered(deliveries.calls.begin(), deliveries.calls.end());
-    EXPECT_EQ(deliveries.calls.size(), 5u);
+    std::map<std::string, int64_t> delivered(calls.begin(), calls.end());
+    EXPECT_EQ(calls.size(), 6u);
     EXPECT_EQ(delivered.erase("tm"), 1u);
     EXPECT_EQ(delivered, expected);
-    EXPECT_TRUE(progressFilesLeft().empty());
 }
 
-TEST(SystemDataAnalysis, DeliversProgressWhileRunningAndEachIdOnce) {
+// The logs have their own row though they lie in the databases' folder: the report
+// takes them away from the databases, never below zero.
+TEST(SystemDataAnalysis, TheDatabasesLeaveOutTheLogs) {
     sharedHome();
-    std::string prompt;
-    double timeout = 0;
-    bool startedEmpty = false;
-    Clock::time_point runEnded;
-    ScopedAuthorizationTool tool([&](const std::string& scriptPath, const std::string& p, double t) {
-        prompt = p;
-        timeout = t;
-        const std::string assignment = progressAssignment(scriptPath);
-        const Shell::Output probe = Shell::run(assignment + "; test -f \"$PROG\" && ! test -s \"$PROG\"", 10);
-        startedEmpty = probe.status == 0;
-        Shell::Output out =
-            Shell::run(assignment + "; printf 'vm|2048\\n' >> \"$PROG\"; sleep 0.6; "
-                                    "printf 'tm|3\\n' >> \"$PROG\"; sleep 0.6; printf 'vm|2048\\ntm|3\\n'",
-                       30);
-        runEnded = Clock::now();
-        return out;
-    });
-    Deliveries deliveries;
-    const auto before = Dates::now();
-    const SystemDataAnalyzer::Analysis analysis = SystemDataAnalyzer::analyze(deliveries.callback());
+    const std::vector<std::pair<std::string, std::map<std::string, int64_t>>> cases{
+        {"dbother|10\nunifiedlogs|4\n", {{"dbother", 6144}, {"unifiedlogs", 4096}}},
+        {"dbother|3\nunifiedlogs|4\n", {{"dbother", 0}, {"unifiedlogs", 4096}}},
+        {"dbother|3\n", {{"dbother", 3072}}},
+    };
+    for (const auto& [output, sizes] : cases) {
+        ScopedAuthorizationTool tool(answering({0, output, ""}));
+        const auto analysis = SystemDataAnalyzer::analyze({});
+        ASSERT_TRUE(analysis.report.has_value()) << output;
+        EXPECT_EQ(analysis.report->sizes, sizes) << output;
+    }
+}
 
-    EXPECT_EQ(prompt, "Veltro needs administrator privileges to measure System Data.");
-    EXPECT_EQ(timeout, 900);
-    EXPECT_TRUE(startedEmpty);
-    EXPECT_EQ(deliveries.calls, (std::vector<std::pair<std::string, int64_t>>{{"vm", 2'097'152}, {"tm", 3}}));
-    ASSERT_EQ(deliveries.times.count("tm"), 1u);
-    EXPECT_LT(deliveries.times["tm"], runEnded);
+// The helper is asked for the areas' measurement; each line it answers reaches the
+// caller at once, each id once.
+TEST(SystemDataAnalysis, DeliversEachEntryAsItIsMeasuredAndEachIdOnce) {
+    sharedHome();
+    Calls calls;
+    std::optional<Privileged::Request> asked;
+    size_t deliveredWhileRunning = 0;
+    ScopedAuthorizationTool tool([&](const Privileged::Launch& launch) {
+        asked = launch.request;
+        for (const char* line : {"vm|2048", "tm|3", "vm|2048", "no number"})
+            launch.onLine(line);
+        deliveredWhileRunning = calls.size();
+        return Shell::Output{0, "vm|2048\ntm|3\n", ""};
+    });
+    const auto before = Dates::now();
+    const SystemDataAnalyzer::Analysis analysis = SystemDataAnalyzer::analyze(recordingInto(calls));
+
+    ASSERT_TRUE(asked.has_value());
+    EXPECT_EQ(asked->mode, WorkList::measureMode);
+    EXPECT_EQ(asked->workList,
+              WorkList::encode(SystemDataAnalyzer::measuredEntries(SystemDataAreas::entries())));
+    EXPECT_EQ(asked->prompt, "Veltro needs administrator privileges to measure System Data.");
+    EXPECT_EQ(asked->timeout, 900);
+    EXPECT_EQ(calls, (Calls{{"vm", 2'097'152}, {"tm", 3}}));
+    EXPECT_EQ(deliveredWhileRunning, 2u);
     ASSERT_TRUE(analysis.report.has_value());
     EXPECT_EQ(analysis.report->sizes, (std::map<std::string, int64_t>{{"vm", 2'097'152}}));
     EXPECT_EQ(analysis.report->snapshotCount, 3);
     EXPECT_GE(analysis.report->date, before);
     EXPECT_LE(analysis.report->date, Dates::now());
-    EXPECT_TRUE(progressFilesLeft().empty());
 }
 
 TEST(SystemDataAnalysis, DismissalAndFailureGiveOnlyAMessage) {
@@ -146,7 +132,6 @@ TEST(SystemDataAnalysis, DismissalAndFailureGiveOnlyAMessage) {
         const auto analysis = SystemDataAnalyzer::analyze({});
         EXPECT_FALSE(analysis.report.has_value());
         EXPECT_EQ(analysis.message, "Authentication was cancelled");
-        EXPECT_TRUE(progressFilesLeft().empty());
     }
     {
         // The 200th character is two bytes long: the cut must keep it whole.
@@ -155,24 +140,5 @@ TEST(SystemDataAnalysis, DismissalAndFailureGiveOnlyAMessage) {
         const auto analysis = SystemDataAnalyzer::analyze({});
         EXPECT_FALSE(analysis.report.has_value());
         EXPECT_EQ(analysis.message, "Analysis failed: " + cut);
-        EXPECT_TRUE(progressFilesLeft().empty());
     }
-    {
-        ScopedAuthorizationTool tool(answering({143, "", "short"}));
-        EXPECT_EQ(SystemDataAnalyzer::analyze({}).message, "Analysis failed: short");
-    }
-}
-
-TEST(SystemDataAnalysis, OtherDatabasesExcludeTheLogs) {
-    sharedHome();
-    const auto sizesFor = [](const std::string& output) {
-        ScopedAuthorizationTool tool(answering({0, output, ""}));
-        const auto analysis = SystemDataAnalyzer::analyze({});
-        return analysis.report ? analysis.report->sizes : std::map<std::string, int64_t>{{"no report", 0}};
-    };
-    EXPECT_EQ(sizesFor("dbother|10\nunifiedlogs|4\n"),
-              (std::map<std::string, int64_t>{{"dbother", 6144}, {"unifiedlogs", 4096}}));
-    EXPECT_EQ(sizesFor("dbother|3\nunifiedlogs|4\nvm|1\nbad line\nvm|2\n"),
-              (std::map<std::string, int64_t>{{"dbother", 0}, {"unifiedlogs", 4096}, {"vm", 2048}}));
-    EXPECT_EQ(sizesFor("dbother|10\n"), (std::map<std::string, int64_t>{{"dbother", 10240}}));
 }

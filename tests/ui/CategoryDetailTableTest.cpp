@@ -4,6 +4,7 @@
 
 #include "CategoryDetailFixture.h"
 #include "UiHarness.h"
+#include "support/SnapshotStandIn.h"
 #include "ui/Format.h"
 #include "ui/Platform.h"
 
@@ -128,8 +129,7 @@ TEST_F(CategoryTable, FilterMatchesNamesAndLocationsWhateverTheCase) {
 }
 
 TEST_F(CategoryTable, RowsShowLocationNoteBadgeAndIcon) {
-    home().installTool("tmutil", "printf 'com.apple.TimeMachine.2024-01-01-000000.local\\n"
-                                 "com.apple.TimeMachine.2024-01-02-000000.local\\n'");
+    home().installTool("snapper", snapperWithSnapshots(2));
     scanPackages();
 
     // Different folders: no common location, every row its own line.

@@ -3,6 +3,7 @@
 
 #include "UiHarness.h"
 #include "WindowFixture.h"
+#include "support/SnapshotStandIn.h"
 
 #include "catalogue/CleanupRules.h"
 #include "platform/Paths.h"
@@ -82,7 +83,7 @@ protected:
 
 TEST_F(Sheets, ConfirmListsEveryRemovalMethodAndCountsAdministratorCommandsTwice) {
     home().installTool("brew", "exit 0");
-    home().installTool("tmutil", "echo com.apple.TimeMachine.2024-05-01-101010.local");
+    home().installTool("snapper", snapperWithSnapshots(1));
     ASSERT_TRUE(scanToEnd());
     const std::string cache = idOf("Library/Caches/com.example.editor");
     const std::string trashed = idOf(".Trash/old-report.pdf");

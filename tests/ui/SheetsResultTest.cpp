@@ -6,6 +6,7 @@
 
 #include "platform/Paths.h"
 #include "support/PathQueries.h"
+#include "support/SandboxRoot.h"
 #include "ui/Format.h"
 
 #include <QQuickItem>
@@ -86,6 +87,11 @@ TEST_F(SheetsResult, FailuresShowTheTriangleTheListAndTheAccessNote) {
     // Taken away between scan and clean: its move to the Trash fails.
     std::filesystem::remove_all(gone);
     ASSERT_FALSE(exists(gone));
+    // Cleaned in a sandbox that hides the home folder, where access is missing.
+    SandboxRoot sandbox;
+    if (!sandbox.entered())
+        GTEST_SKIP() << "building a sandbox root takes root";
+    model().refreshEnvironment();
     ASSERT_FALSE(model().hasFullDiskAccess());
     ASSERT_TRUE(cleanToResult());
 
@@ -123,7 +129,7 @@ TEST_F(SheetsResult, FailuresShowTheTriangleTheListAndTheAccessNote) {
               "Some items may have failed because Full Disk Access hasn't been granted.");
 
     // With access granted the note goes; the list stays.
-    home().makeFile("Library/Safari/Bookmarks.plist", "x");
+    sandbox.leave();
     model().refreshEnvironment();
     ASSERT_TRUE(model().hasFullDiskAccess());
     EXPECT_FALSE(visible("fullDiskAccessNote"));

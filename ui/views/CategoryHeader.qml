@@ -146,7 +146,7 @@ Item {
 
                 Text {
                     objectName: "categoryItemCount"
-                    text: qsTr("%1 items").arg(Format.integer(root.count))
+                    text: qsTr("%Ln items", "", root.count)
                     color: Theme.secondary
                     font.pixelSize: Theme.callout
                     Layout.alignment: Qt.AlignRight

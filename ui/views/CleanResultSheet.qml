@@ -56,7 +56,7 @@ Item {
 
                 Label {
                     objectName: "resultTitle"
-                    text: qsTr("Cleaned %1 Items").arg(root.result.succeededCount || 0)
+                    text: qsTr("Cleaned %Ln Items", "", root.result.succeededCount || 0)
                     color: Theme.primary
                     font.pixelSize: Theme.title2
                     font.weight: Font.DemiBold
@@ -140,7 +140,7 @@ Item {
 
             Label {
                 objectName: "failuresTitle"
-                text: qsTr("%1 Items Could Not Be Cleaned").arg(root.failures.length)
+                text: qsTr("%Ln Items Could Not Be Cleaned", "", root.failures.length)
                 color: Theme.primary
                 font.pixelSize: Theme.headline
                 font.weight: Font.DemiBold

@@ -48,7 +48,7 @@ Item {
         property string symbol
         property int count
         property real size
-        readonly property string valueText: qsTr("%1 items · %2").arg(count).arg(Format.byteCount(size))
+        readonly property string valueText: qsTr("%Ln items · %1", "", count).arg(Format.byteCount(size))
 
         spacing: 8
 
@@ -130,7 +130,7 @@ Item {
                 }
                 Label {
                     objectName: "confirmTitle"
-                    text: qsTr("Clean %1 Items").arg(root.plan.count)
+                    text: qsTr("Clean %Ln Items", "", root.plan.count)
                     color: Theme.primary
                     font.pixelSize: Theme.title2
                     font.weight: Font.DemiBold
@@ -213,23 +213,23 @@ Item {
                 WarningLine {
                     objectName: "warnAdmin"
                     visible: root.plan.adminCount > 0
-                    text: qsTr("%1 system items — macOS will ask for an administrator password once")
-                          .arg(root.plan.adminCount)
+                    text: qsTr("%Ln system items — macOS will ask for an administrator password once", "",
+                               root.plan.adminCount)
                     symbol: "lock.fill"
                     Layout.fillWidth: true
                 }
                 WarningLine {
                     objectName: "warnLarge"
                     visible: root.plan.largeCount > 0
-                    text: qsTr("%1 large files selected — make sure you don't need them").arg(root.plan.largeCount)
+                    text: qsTr("%Ln large files selected — make sure you don't need them", "", root.plan.largeCount)
                     symbol: "exclamationmark.triangle.fill"
                     Layout.fillWidth: true
                 }
                 WarningLine {
                     objectName: "warnReview"
                     visible: root.plan.reviewCount > 0
-                    text: qsTr("%1 items from review categories (Downloads/Backups/Archives)")
-                          .arg(root.plan.reviewCount)
+                    text: qsTr("%Ln items from review categories (Downloads/Backups/Archives)", "",
+                               root.plan.reviewCount)
                     symbol: "exclamationmark.triangle.fill"
                     Layout.fillWidth: true
                 }

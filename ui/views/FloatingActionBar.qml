@@ -180,7 +180,7 @@ Item {
                 }
                 Label {
                     objectName: "selectionCountText"
-                    text: qsTr("%1 items selected").arg(Format.integer(AppModel.selectionCount))
+                    text: qsTr("%Ln items selected", "", AppModel.selectionCount)
                     color: Theme.primary
                     font.pixelSize: Theme.callout
                     font.weight: Font.DemiBold

@@ -13,7 +13,7 @@ Card {
     property var result: ({})
 
     readonly property int failureCount: result.failures !== undefined ? result.failures.length : 0
-    readonly property string title: qsTr("Last Cleanup: %1 Items").arg(Format.integer(result.succeededCount || 0))
+    readonly property string title: qsTr("Last Cleanup: %Ln Items", "", result.succeededCount || 0)
     readonly property string detail: {
         let text = qsTr("%1 moved to Trash · %2 deleted").arg(Format.byteCount(result.movedToTrashBytes || 0))
                                                          .arg(Format.byteCount(result.deletedBytes || 0));

@@ -32,12 +32,14 @@ Item {
             if (!hasReport)
                 return "—";
             const count = AppModel.systemSnapshotCount;
-            return count === 0 ? qsTr("None") : qsTr("%1 snapshots").arg(count);
+            return count === 0 ? qsTr("None") : qsTr("%Ln snapshots", "", count);
         }
         return size === undefined ? "—" : Format.byteCount(size);
     }
     readonly property bool running: AppModel.systemRunningEntry === entryId
-    readonly property bool actionEnabled: AppModel.systemRunningEntry === ""
+    // Why the action cannot run here (its tool is not installed), "" when it can.
+    readonly property string unavailable: actionable ? entry.unavailableNote || "" : ""
+    readonly property bool actionEnabled: AppModel.systemRunningEntry === "" && unavailable === ""
                                           && !(isSnapshots && hasReport && AppModel.systemSnapshotCount === 0)
     // The first of the area's folders that exists, "" when none does; looked up again
     // whenever a measurement or an action may have changed the disk.
@@ -124,6 +126,26 @@ Item {
                 maximumLineCount: 3
                 elide: Text.ElideRight
                 Layout.fillWidth: true
+            }
+            RowLayout {
+                objectName: "systemUnavailable_" + root.entryId
+                visible: root.unavailable !== ""
+                spacing: 4
+                Layout.fillWidth: true
+
+                Symbol {
+                    name: "exclamationmark.triangle.fill"
+                    color: Theme.orange
+                    size: Theme.caption
+                }
+                Label {
+                    objectName: "systemUnavailableText_" + root.entryId
+                    text: root.unavailable
+                    color: Theme.secondary
+                    font.pixelSize: Theme.caption
+                    wrapMode: Text.Wrap
+                    Layout.fillWidth: true
+                }
             }
             Item {
                 implicitHeight: 4

@@ -1,0 +1,19 @@
+#pragma once
+// Handing what the administrator batch moved to the user, so the user can empty it
+// later without administrator rights.
+
+#include <string>
+#include <sys/types.h>
+
+namespace OwnerHandover {
+
+// Gives `name` inside `parentFd` and, for a folder, everything below it to uid:gid,
+// walking by descriptors with a bounded number open (any depth), never following a
+// link (a link gets the owner itself), never entering another mount (a mount point
+// and what is mounted on it stay as they are), and never changing a file that has
+// other names (hard links), which may lie outside. Folders change owner after their
+// contents, so nobody else can change a folder while it is walked. Returns 0 or the
+// first errno met; it carries on past failures.
+int handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid);
+
+} // namespace OwnerHandover

@@ -1,0 +1,96 @@
+// `veltro system-data` as root runs it (no password dialog): the real binary measuring
+// a fake home's Linux folders and the system's, and running or refusing an action.
+
+#include "CommandRun.h"
+
+#include "catalogue/LinuxCommands.h"
+#include "platform/ShellQuote.h"
+#include "removal/Shell.h"
+#include "support/PathQueries.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <unistd.h>
+
+namespace {
+
+int64_t duBytes(const std::vector<std::string>& paths) {
+    std::string command = "du -skx";
+    for (const std::string& path : paths)
+        command += " " + shellQuote(path);
+    return std::stoll(
+               Shell::run(command + " 2>/dev/null | awk '{s+=$1} END {print s+0}'", 60).standardOutput) *
+           1024;
+}
+
+} // namespace
+
+TEST(SystemDataCommand, ReportsWhatDuMeasuresWithoutCountingAnythingTwice) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "measuring needs the administrator; only root runs it without a dialog";
+    FakeHome home;
+    home.makeFileOfSize(".thunderbird/abc.default/Mail/Inbox", 300'000);
+    home.makeFileOfSize(".local/share/evolution/mail/local/cur/1", 40'000);
+    home.makeFileOfSize(".local/share/flatpak/runtime/org.example.Platform/files.bin", 120'000);
+    home.makeFileOfSize(".local/share/recently-used.xbel", 9'000);
+    home.makeFileOfSize(".config/app/settings.ini", 7'000);
+    home.makeFileOfSize(".var/app/org.example.App/data/db", 60'000);
+
+    const CommandRun run = CommandRun::of(home, {"system-data", "--json"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const QJsonObject report = QJsonDocument::fromJson(QByteArray::fromStdString(run.out)).object();
+    std::map<std::string, QJsonObject> entries;
+    for (const QJsonValue& entry : report["entries"].toArray())
+        entries[entry["id"].toString().toStdString()] = entry.toObject();
+    ASSERT_EQ(entries.size(), 12u);
+    auto sizeOf = [&](const std::string& id) { return entries[id]["size"].toInteger(-1); };
+    auto folders = [&](const std::string& id) {
+        std::vector<std::string> paths;
+        for (const QJsonValue& folder : entries[id]["folders"].toArray())
+            paths.push_back(folder.toString().toStdString());
+        return paths;
+    };
+
+    EXPECT_EQ(report["purgeable"].toInteger(), 0);
+    for (const std::string id : {"mailmsg", "simruntimes", "containers"})
+        EXPECT_EQ(sizeOf(id), duBytes(folders(id))) << id;
+    EXPECT_GE(sizeOf("mailmsg"), 340'000);
+    // The runtimes and the mail inside ~/.local/share are theirs, not the app data's.
+    const int64_t inside =
+        duBytes({home.path(".local/share/flatpak/runtime"), home.path(".local/share/evolution")});
+    EXPECT_EQ(sizeOf("appsupport"), duBytes(folders("appsupport")) - inside);
+
+    // The table: every area by its title here.
+    const CommandRun table = CommandRun::of(home, {"system-data"});
+    ASSERT_EQ(table.status, 0) << table.err;
+    EXPECT_NE(table.out.find("  Mail "), std::string::npos) << table.out;
+    EXPECT_EQ(table.out.find("Time Machine"), std::string::npos) << table.out;
+}
+
+// An action runs its Linux command, or is refused when it cannot run here. Only the
+// user's own steps stand in here: the administrator's run this machine's real tools.
+TEST(SystemDataCommand, RunsAnActionOrRefusesOneThatCannotRun) {
+    FakeHome home;
+    auto installed = [](const char* tool) { return LinuxCommands::isInstalled(tool, Shell::path()); };
+    if (installed("updatedb") || installed("flatpak"))
+        GTEST_SKIP() << "this machine has updatedb or flatpak, which would run for real";
+    const std::string log = home.path("calls.log");
+    for (const std::string tool : {"tracker3", "balooctl"})
+        home.installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log));
+
+    const CommandRun indexes = CommandRun::of(home, {"system-data", "--run", "spotlight", "--yes"});
+    EXPECT_EQ(indexes.status, 0) << indexes.err;
+    EXPECT_EQ(readFile(log), "tracker3 reset --filesystem\nbalooctl purge\n");
+    EXPECT_EQ(indexes.out.rfind("Rebuild Indexes completed — ", 0), 0u) << indexes.out;
+
+    const CommandRun runtimes = CommandRun::of(home, {"system-data", "--run", "simruntimes", "--yes"});
+    EXPECT_EQ(runtimes.status, 1);
+    EXPECT_EQ(runtimes.err, "Remove Unused Runtimes: flatpak is not installed\n");
+    EXPECT_EQ(CommandRun::of(home, {"system-data", "--run", "nothing", "--yes"}).status, 2);
+    // Without a terminal to ask on, only --yes runs it.
+    EXPECT_EQ(CommandRun::of(home, {"system-data", "--run", "spotlight"}).status, 2);
+}

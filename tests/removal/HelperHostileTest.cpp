@@ -1,0 +1,377 @@
+// The real helper on trees built to defeat it: mounts inside items and over the
+// Trash, immutable files, a read-only mount, another file system, trash folders
+// swapped for links, a dated folder that is already there, paths it must refuse.
+// Each tree is worked on twice: by the helper as root for an unprivileged user (as
+// pkexec starts it) and by the helper running as that user. Whatever the answers,
+// nothing outside the chosen items changes, nothing is copied, and every failure
+// carries its reason.
+
+#include "CleanerFixtures.h"
+#include "platform/Paths.h"
+#include "platform/Text.h"
+#include "removal/AdminBatchScript.h"
+#include "removal/WorkList.h"
+#include "support/ForkedChild.h"
+#include "support/TreeSnapshot.h"
+#include "support/Unprivileged.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fcntl.h>
+#include <functional>
+#include <linux/fs.h>
+#include <map>
+#include <set>
+#include <sstream>
+#include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using Kind = WorkList::Step::Kind;
+
+// 2025-01-14 09:30:15 on the user's clock.
+constexpr int64_t stampTime = 1736847015;
+const std::string stampName = "Veltro-20250114-093015";
+
+struct Outcome {
+    int status = -1;
+    std::map<std::string, bool> answers;
+    std::string dest;
+    std::string log;
+};
+
+// Mounts and immutable flags of one run, undone when it ends so the tree can go: every
+// mount below `root` is detached, wherever a move took it (mount points are octal-
+// escaped in mountinfo; the tree's names need no escaping).
+class Arming {
+public:
+    explicit Arming(std::string root) : root_(std::move(root)) {}
+    Arming(const Arming&) = delete;
+    Arming& operator=(const Arming&) = delete;
+    ~Arming() {
+        for (const std::string& path : frozen_)
+            setImmutable(path, false);
+        std::vector<std::string> below;
+        std::istringstream table(readFile("/proc/self/mountinfo"));
+        for (std::string line; std::getline(table, line);) {
+            std::istringstream fields(line);
+            std::string field, point;
+            for (int i = 0; i < 5 && fields >> field; ++i)
+                point = field;
+            if (point.starts_with(root_ + "/"))
+                below.push_back(point);
+        }
+        for (auto it = below.rbegin(); it != below.rend(); ++it)
+            ::umount2(it->c_str(), MNT_DETACH);
+    }
+
+    bool bind(const std::string& source, const std::string& target, bool readOnly = false) {
+        if (::mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr) != 0)
+            return false;
+        return !readOnly ||
+               ::mount(nullptr, target.c_str(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+    }
+    bool tmpfs(const std::string& target) {
+        return ::mount("veltro-test", target.c_str(), "tmpfs", 0, "mode=0755") == 0;
+    }
+    bool freeze(const std::string& path) {
+        if (!setImmutable(path, true))
+            return false;
+        frozen_.push_back(path);
+        return true;
+    }
+
+private:
+    static bool setImmutable(const std::string& path, bool on) {
+        const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+        if (fd < 0)
+            return false;
+        int flags = 0;
+        bool done = ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+        flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
+        done = done && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+        ::close(fd);
+        return done;
+    }
+
+    std::string root_;
+    std::vector<std::string> frozen_;
+};
+
+// One tree: `build` makes it as plain files (then given to the run's item owner),
+// `arm` adds what only root can (mounts, flags, other owners); both work in `dir`.
+struct Scenario {
+    const char* name;
+    std::function<std::vector<WorkList::Step>(const std::string& dir, FakeHome& home)> build;
+    std::function<bool(const std::string& dir, FakeHome& home, Arming& arming)> arm;
+    std::map<std::string, bool> expected;
+    std::string expectedDest; // the dated folder's name when something is moved
+};
+
+std::string trashOf(FakeHome& home) {
+    return home.path(".local/share/Trash");
+}
+
+WorkList::Step step(Kind kind, const std::string& key, const std::string& path) {
+    return {kind, key, path};
+}
+
+const std::vector<Scenario>& scenarios() {
+    static const std::vector<Scenario> all = {
+        {"MountsInsideItems",
+         [](const std::string& dir, FakeHome& home) {
+             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/outside/x/file", "x");
+             for (const char* item : {"/a", "/b"}) {
+                 home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + item + "/keep", "k");
+                 home.tree().makeDir(dir.substr(home.tree().root().size() + 1) + item + "/mnt");
+             }
+             return std::vector{step(Kind::move, "i0", dir + "/a"), step(Kind::remove, "i1", dir + "/b")};
+         },
+         [](const std::string& dir, FakeHome&, Arming& arming) {
+             return arming.bind(dir + "/outside/x", dir + "/a/mnt") &&
+                    arming.bind(dir + "/outside/x", dir + "/b/mnt");
+         },
+         {{"i0", true}, {"i1", false}},
+         stampName},
+        {"MountOverTheTrash",
+         [](const std::string& dir, FakeHome& home) {
+             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/outside/y/file", "y");
+             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/c", "c");
+             return std::vector{step(Kind::move, "i0", dir + "/c")};
+         },
+         [](const std::string& dir, FakeHome& home, Arming& arming) {
+             return arming.bind(dir + "/outside/y", trashOf(home) + "/files");
+         },
+         {{"i0", false}},
+         ""},
+        {"ImmutableFiles",
+         [](const std::string& dir, FakeHome& home) {
+             const std::string relative = dir.substr(home.tree().root().size() + 1);
+             home.tree().makeFile(relative + "/d/keep", "k");
+             home.tree().makeFile(relative + "/d/frozen", "f");
+             home.tree().makeFile(relative + "/e", "e");
+             return std::vector{step(Kind::remove, "i0", dir + "/d"), step(Kind::move, "i1", dir + "/e")};
+         },
+         [](const std::string& dir, FakeHome&, Arming& arming) {
+             return arming.freeze(dir + "/d/frozen") && arming.freeze(dir + "/e");
+         },
+         {{"i0", false}, {"i1", false}},
+         ""},
+        {"ReadOnlyMountedParent",
+         [](const std::string& dir, FakeHome& home) {
+             const std::string relative = dir.substr(home.tree().root().size() + 1);
+             home.tree().makeFile(relative + "/ro/moved", "m");
+             home.tree().makeFile(relative + "/ro/deleted", "d");
+             return std::vector{step(Kind::move, "i0", dir + "/ro/moved"),
+                                step(Kind::remove, "i1", dir + "/ro/deleted")};
+         },
+         [](const std::string& dir, FakeHome&, Arming& arming) {
+             return arming.bind(dir + "/ro", dir + "/ro", true);
+         },
+         {{"i0", false}, {"i1", false}},
+         ""},
+        {"ItemOnAnotherFileSystem",
+         [](const std::string& dir, FakeHome& home) {
+             home.tree().makeDir(dir.substr(home.tree().root().size() + 1) + "/fs");
+             return std::vector{step(Kind::move, "i0", dir + "/fs/g"),
+                                step(Kind::remove, "i1", dir + "/fs/h")};
+         },
+         [](const std::string& dir, FakeHome& home, Arming& arming) {
+             struct stat owner {};
+             if (::stat(dir.c_str(), &owner) != 0 || !arming.tmpfs(dir + "/fs"))
+                 return false;
+             const std::string relative = dir.substr(home.tree().root().size() + 1);
+             home.tree().makeFile(relative + "/fs/g/inner", "g");
+             home.tree().makeFile(relative + "/fs/h/inner", "h");
+             chownTree(dir + "/fs", owner.st_uid, owner.st_gid);
+             return true;
+         },
+         {{"i0", false}, {"i1", true}},
+         ""},
+        {"TrashIsALink",
+         [](const std::string& dir, FakeHome& home) {
+             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/victim/files/kept", "v");
+             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/f", "f");
+             return std::vector{step(Kind::move, "i0", dir + "/f")};
+         },
+         [](const std::string& dir, FakeHome& home, Arming&) {
+             removeTreeForcefully(trashOf(home));
+             return ::symlink((dir + "/victim").c_str(), trashOf(home).c_str()) == 0;
+         },
+         {{"i0", false}},
+         ""},
+        {"TrashFilesIsALink",
+         [](const std::string& dir, FakeHome& home) {
+             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/victim/kept", "v");
+             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/f", "f");
+             return std::vector{step(Kind::move, "i0", dir + "/f")};
+         },
+         [](const std::string& dir, FakeHome& home, Arming&) {
+             removeTreeForcefully(trashOf(home) + "/files");
+             return ::symlink((dir + "/victim").c_str(), (trashOf(home) + "/files").c_str()) == 0;
+         },
+         {{"i0", false}},
+         ""},
+        {"DatedFolderTakenAndNamesWithNewlines",
+         [](const std::string& dir, FakeHome& home) {
+             const std::string relative = dir.substr(home.tree().root().size() + 1);
+             home.tree().makeFile(relative + "/j/inner", "j");
+             home.tree().makeFile(relative + "/nl\n", "n");
+             home.tree().makeFile(relative + "/victim/kept", "v");
+             return std::vector{step(Kind::move, "i0", dir + "/j"), step(Kind::move, "i1", dir + "/nl\n")};
+         },
+         [](const std::string& dir, FakeHome& home, Arming&) {
+             // A stranger's folder of that name, and the next name as a link.
+             const std::string files = trashOf(home) + "/files/";
+             home.tree().makeFile(files.substr(home.tree().root().size() + 1) + stampName + "/theirs", "t");
+             chownTree(files + stampName, 12345, 12345);
+             return ::symlink((dir + "/victim").c_str(), (files + stampName + " 1").c_str()) == 0;
+         },
+         {{"i0", true}, {"i1", true}},
+         stampName + " 2"},
+        {"RefusedPaths",
+         [](const std::string& dir, FakeHome& home) {
+             return std::vector{step(Kind::move, "i0", home.home()), step(Kind::remove, "i1", "/usr"),
+                                step(Kind::remove, "i2", dir + "/../../../.."),
+                                step(Kind::remove, "i3", "relative/path"),
+                                step(Kind::move, "i4", home.home() + "/Library")};
+         },
+         [](const std::string&, FakeHome&, Arming&) { return true; },
+         {{"i0", false}, {"i1", false}, {"i2", false}, {"i3", false}, {"i4", false}},
+         ""},
+    };
+    return all;
+}
+
+Outcome outcomeOf(const Shell::Output& output) {
+    Outcome outcome;
+    outcome.status = output.status;
+    outcome.answers = AdminBatchScript::parseAnswers(output.standardOutput);
+    for (const std::string_view line : Text::lines(output.standardOutput))
+        if (line.starts_with("DEST|"))
+            outcome.dest = std::string(line.substr(5));
+    outcome.answers.erase(outcome.dest);
+    outcome.log = output.standardError;
+    return outcome;
+}
+
+class HelperHostileTest : public CleanerHomeTest, public ::testing::WithParamInterface<size_t> {
+protected:
+    void SetUp() override {
+        CleanerHomeTest::SetUp();
+        if (IsSkipped())
+            return;
+        if (::geteuid() != 0)
+            GTEST_SKIP()
+                << "needs root: the helper works as root for another user, and the trees need mounts";
+        if (!enterPrivateMountNamespace())
+            GTEST_SKIP() << "mounting is refused here";
+        for (const std::string& path : {home.home(), home.tmp()})
+            ASSERT_EQ(::lchown(path.c_str(), unprivilegedUid(), unprivilegedGid()), 0);
+    }
+
+    // A fresh home trash of the user's, so only the dated folder can be new in it.
+    void resetTrash() {
+        removeTreeForcefully(home.path(".local"));
+        home.makeDir(".local/share/Trash/files");
+        home.makeDir(".local/share/Trash/info");
+        chownTree(home.path(".local"), unprivilegedUid(), unprivilegedGid());
+    }
+
+    Outcome runHelper(const std::vector<WorkList::Step>& steps, bool asUser) {
+        WorkList::Batch batch{unprivilegedUid(), unprivilegedGid(), home.home(), home.tmp(),
+                              trashOf(home),     stampTime,         steps};
+        const Privileged::Request request{WorkList::cleanMode, WorkList::encode(batch), "Prompt", 120};
+        // As root the helper is told who asked, as pkexec tells it.
+        const ScopedAuthorizationTool tool([](const Privileged::Launch& launch) {
+            return Privileged::runProcess(launch.command, launch,
+                                          {"PKEXEC_UID=" + std::to_string(unprivilegedUid())});
+        });
+        if (!asUser)
+            return outcomeOf(Privileged::runHelper(request));
+        const std::string file = home.tmp() + "/outcome";
+        const int code = runUnprivileged([&] {
+            const Shell::Output output = Privileged::runHelper(request);
+            const std::string text =
+                std::to_string(output.status) + '\0' + output.standardOutput + '\0' + output.standardError;
+            const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+            const bool written = fd >= 0 && ::write(fd, text.data(), text.size()) == ssize_t(text.size());
+            return ::close(fd) == 0 && written ? 0 : 1;
+        });
+        const std::string text = readFile(file);
+        ::unlink(file.c_str());
+        const size_t first = text.find('\0');
+        const size_t second = text.find('\0', first + 1);
+        if (code != 0 || second == std::string::npos)
+            return {};
+        return outcomeOf({std::stoi(text.substr(0, first)), text.substr(first + 1, second - first - 1),
+                          text.substr(second + 1)});
+    }
+};
+
+ino_t inodeOf(const std::string& path) {
+    struct stat st {};
+    return ::lstat(path.c_str(), &st) == 0 ? st.st_ino : 0;
+}
+
+} // namespace
+
+TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
+    const Scenario& scenario = scenarios()[GetParam()];
+    for (const bool asUser : {false, true}) {
+        SCOPED_TRACE(asUser ? "helper running as the user" : "helper running as root for the user");
+        resetTrash();
+        const std::string dir = areaDir(asUser ? "as-user" : "as-root");
+        const std::vector<WorkList::Step> steps = scenario.build(dir, home);
+        // Items of the system's as root, the user's own otherwise.
+        if (asUser)
+            chownTree(dir, unprivilegedUid(), unprivilegedGid());
+        Arming arming(home.tree().root());
+        ASSERT_TRUE(scenario.arm(dir, home, arming)) << "could not set the tree up: " << std::strerror(errno);
+
+        std::set<std::string> chosen;
+        std::map<std::string, ino_t> inodes;
+        for (const WorkList::Step& step : steps) {
+            // Only the tree's own items may change; a refused home must not.
+            if (step.payload.starts_with(dir + "/"))
+                chosen.insert(Paths::standardizedPath(step.payload));
+            inodes[step.key] = inodeOf(step.payload);
+        }
+        const std::string files = trashOf(home) + "/files/";
+        const std::set<std::string> excluded = {
+            files + scenario.expectedDest, trashOf(home) + "/info/" + scenario.expectedDest + ".trashinfo"};
+        std::set<std::string> outsideExcluded = chosen;
+        outsideExcluded.insert(excluded.begin(), excluded.end());
+        const TreeSnapshot before = snapshotTree(home.tree().root(), outsideExcluded);
+
+        const Outcome outcome = runHelper(steps, asUser);
+
+        EXPECT_EQ(outcome.status, 0) << outcome.log;
+        EXPECT_EQ(outcome.answers, scenario.expected) << outcome.log;
+        for (const auto& [key, ok] : outcome.answers)
+            EXPECT_TRUE(ok || outcome.log.find(key + ": ") != std::string::npos)
+                << "no reason for " << key << "\n"
+                << outcome.log;
+        EXPECT_EQ(describeDifferences(before, snapshotTree(home.tree().root(), outsideExcluded)), "");
+        // What was moved is the same file-system object in the Trash, under its own name.
+        for (const WorkList::Step& step : steps) {
+            if (step.kind != Kind::move || !scenario.expected.at(step.key))
+                continue;
+            EXPECT_EQ(outcome.dest, scenario.expectedDest);
+            const std::string moved = files + outcome.dest + "/" + Paths::lastComponent(step.payload);
+            EXPECT_EQ(inodeOf(moved), inodes[step.key]) << moved;
+            EXPECT_FALSE(exists(step.payload)) << step.payload;
+            struct stat st {};
+            EXPECT_TRUE(::lstat(moved.c_str(), &st) == 0 && st.st_uid == unprivilegedUid()) << moved;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Trees, HelperHostileTest, ::testing::Range<size_t>(0, scenarios().size()),
+                         [](const ::testing::TestParamInfo<size_t>& param) {
+                             return std::string(scenarios()[param.param].name);
+                         });
