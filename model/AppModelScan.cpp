@@ -94,11 +94,14 @@ void AppModel::handle(uint64_t scanID, ScanEvent event) {
         if (!finished->items.empty()) {
             ItemPositions positions(finished->items.size());
             std::iota(positions.begin(), positions.end(), static_cast<uint32_t>(items_.size()));
-            if (items_.empty())
+            // Room made to measure: growth by doubling would hold twice the items.
+            if (items_.empty()) {
                 items_ = std::move(finished->items);
-            else
+            } else {
+                items_.reserve(items_.size() + finished->items.size());
                 items_.insert(items_.end(), std::make_move_iterator(finished->items.begin()),
                               std::make_move_iterator(finished->items.end()));
+            }
             announce(changes, &AppModel::itemsChanged);
             ScanResults::sortForDisplay(items_, positions);
             itemsByCategory_[finished->id] = std::move(positions);

@@ -222,7 +222,15 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
 
     const std::vector<CleanCategory>& categories = CleanupRules::categories();
     const size_t count = categories.size();
+    // Room for every item found so far, made once: growing the list while the receiver
+    // holds its own copy of the items would hold them a third time.
     std::vector<ScanItem> result;
+    size_t expected = 0;
+    for (const auto& [id, list] : collection.candidates)
+        expected += list.size();
+    for (const auto& [id, list] : collection.commandItems)
+        expected += list.size();
+    result.reserve(expected);
     for (size_t i = 0; i < count; ++i) {
         if (stop.stop_requested())
             return result;
@@ -239,6 +247,8 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
             report(events, ScanEvent::Status{localizedFormat("Searching for large files (\u2265 %1)\u2026",
                                                              {formatByteCount(options.largeFileThreshold)})});
             appendLargeFiles(category.id, options, collection.claims, stop, candidates);
+            // Made now, while the receiver is not making room of its own.
+            result.reserve(result.size() + candidates.size() + collection.commandItems[category.id].size());
         }
 
         std::vector<ScanItem> list = std::move(collection.commandItems[category.id]);
@@ -267,11 +277,9 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
         if (events)
             events(finished);
         std::vector<ScanItem>& reported = std::get<ScanEvent::CategoryFinished>(finished.value).items;
-        if (result.empty())
-            result = std::move(reported);
-        else
-            result.insert(result.end(), std::make_move_iterator(reported.begin()),
-                          std::make_move_iterator(reported.end()));
+        result.reserve(result.size() + reported.size()); // only the large files were not foreseen
+        result.insert(result.end(), std::make_move_iterator(reported.begin()),
+                      std::make_move_iterator(reported.end()));
     }
     report(events, ScanEvent::Progress{1.0});
     return result;
