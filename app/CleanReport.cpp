@@ -20,7 +20,7 @@ QString counted(const char* key, size_t count) {
     return QCoreApplication::translate("Veltro", key, nullptr, static_cast<int>(count));
 }
 
-QString rowText(const std::string& title, const std::vector<ScanItem>& items) {
+QString rowText(const std::string& title, const CleanPlan::Items& items) {
     return QStringLiteral("  %1  %2")
         .arg(q(title).leftJustified(46, u' '))
         .arg(counted("%Ln items · %1", items.size()).arg(q(formatByteCount(ScanResults::totalSize(items)))));
@@ -30,6 +30,13 @@ QJsonArray itemsJson(const std::vector<ScanItem>& items) {
     QJsonArray array;
     for (const ScanItem& item : items)
         array.append(ScanReport::itemJson(item));
+    return array;
+}
+
+QJsonArray itemsJson(const CleanPlan::Items& items) {
+    QJsonArray array;
+    for (const ScanItem* item : items)
+        array.append(ScanReport::itemJson(*item));
     return array;
 }
 
@@ -51,8 +58,8 @@ QString summary(const AppModel& model) {
     s << rowText(localized("Delete permanently (items already in Trash)"), plan.permanent) << "\n";
     if (!plan.commands.empty()) {
         QStringList names;
-        for (const ScanItem& item : plan.commands)
-            names << ScanReport::shownText(item.name);
+        for (const ScanItem* item : plan.commands)
+            names << ScanReport::shownText(item->name);
         s << "  " << q(localized("Run commands: ")) << names.join(QStringLiteral(", ")) << "\n";
     }
     if (!plan.needsAdmin.empty())

@@ -222,7 +222,15 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
 
     const std::vector<CleanCategory>& categories = CleanupRules::categories();
     const size_t count = categories.size();
+    // Room for every item found so far, made once: growing the list while the receiver
+    // holds its own copy of the items would hold them a third time.
     std::vector<ScanItem> result;
+    size_t expected = 0;
+    for (const auto& [id, list] : collection.candidates)
+        expected += list.size();
+    for (const auto& [id, list] : collection.commandItems)
+        expected += list.size();
+    result.reserve(expected);
     for (size_t i = 0; i < count; ++i) {
         if (stop.stop_requested())
             return result;
@@ -239,6 +247,8 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
             report(events, ScanEvent::Status{localizedFormat("Searching for large files (\u2265 %1)\u2026",
                                                              {formatByteCount(options.largeFileThreshold)})});
             appendLargeFiles(category.id, options, collection.claims, stop, candidates);
+            // Made now, while the receiver is not making room of its own.
+            result.reserve(result.size() + candidates.size() + collection.commandItems[category.id].size());
         }
 
         std::vector<ScanItem> list = std::move(collection.commandItems[category.id]);
@@ -252,14 +262,24 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
                                    (position + static_cast<double>(done) / static_cast<double>(total)) / n});
             },
             stop);
-        // A category whose measurement saw the stop may hold partial sizes and a partial
-        // large-file list: it is neither reported nor returned.
-        if (stop.stop_requested())
-            return result;
-        list.insert(list.end(), std::make_move_iterator(measured.begin()),
-                    std::make_move_iterator(measured.end()));
-        result.insert(result.end(), list.begin(), list.end());
-        report(events, ScanEvent::CategoryFinished{category.id, std::move(list)});
+        candidates = {};
+        // A stop during the measurement still reports the category with what its
+        // running measurements found; the next category is not started.
+        if (list.empty())
+            list = std::move(measured);
+        else
+            list.insert(list.end(), std::make_move_iterator(measured.begin()),
+                        std::make_move_iterator(measured.end()));
+        measured = {};
+        // The items go out in the event and then come back from it into the result:
+        // one copy of a category (the receiver's) rather than two.
+        ScanEvent finished{ScanEvent::CategoryFinished{category.id, std::move(list)}};
+        if (events)
+            events(finished);
+        std::vector<ScanItem>& reported = std::get<ScanEvent::CategoryFinished>(finished.value).items;
+        result.reserve(result.size() + reported.size()); // only the large files were not foreseen
+        result.insert(result.end(), std::make_move_iterator(reported.begin()),
+                      std::make_move_iterator(reported.end()));
     }
     report(events, ScanEvent::Progress{1.0});
     return result;
