@@ -307,8 +307,7 @@ private:
     void announce(Changes& changes, Signal signal);
 
     void handle(uint64_t scan, ScanEvent event);
-    // `found` is absent when the scan's events already delivered every item.
-    void finishScan(uint64_t scan, std::optional<ScanItems> found, const ItemIDs& keeping);
+    void finishScan(uint64_t scan, const ItemIDs& keeping);
     void applyCleanResult(CleanResult result);
     void applyPurge(uint64_t resultNumber, int64_t freed, int failed);
     void deliverSystemEntry(uint64_t analysis, const std::string& id, int64_t value);

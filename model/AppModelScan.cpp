@@ -51,25 +51,18 @@ void AppModel::scan() {
 
     const uint64_t scanID = nextOperation_;
     scanTask_ = startWorker([options, keeping, scanID](std::stop_token stop, const MainThreadCall& toMain) {
-        // Every item reaches the model in its category's event; the scanner's own
-        // list is then the same items again and need not be sent a second time.
-        size_t delivered = 0;
-        ScanEventSink events = [&toMain, &delivered, scanID](const ScanEvent& event) {
-            if (const auto* finished = std::get_if<ScanEvent::CategoryFinished>(&event.value))
-                delivered += finished->items.size();
-            // Shared, so that handing the call over copies a pointer and not the items.
-            auto shared = std::make_shared<ScanEvent>(event);
-            toMain([scanID, shared](AppModel& model) { model.handle(scanID, std::move(*shared)); });
-        };
-        std::optional<ScanItems> found = JunkScanner::scan(options, events, stop);
+        // Every item reaches the model in its category's event, handed over whole.
+        JunkScanner::scanHandingOver(
+            options,
+            [&toMain, scanID](ScanEvent&& event) {
+                // Shared, so that handing the call over copies a pointer and not the items.
+                auto shared = std::make_shared<ScanEvent>(std::move(event));
+                toMain([scanID, shared](AppModel& model) { model.handle(scanID, std::move(*shared)); });
+            },
+            stop);
         if (stop.stop_requested())
             return;
-        if (found->size() == delivered)
-            found.reset();
-        auto shared = std::make_shared<std::optional<ScanItems>>(std::move(found));
-        toMain([scanID, shared, keeping](AppModel& model) {
-            model.finishScan(scanID, std::move(*shared), keeping);
-        });
+        toMain([scanID, keeping](AppModel& model) { model.finishScan(scanID, keeping); });
     });
     activeScan_ = scanID;
 }
@@ -119,19 +112,13 @@ void AppModel::handle(uint64_t scanID, ScanEvent event) {
     }
 }
 
-void AppModel::finishScan(uint64_t scanID, std::optional<ScanItems> found, const ItemIDs& keeping) {
+void AppModel::finishScan(uint64_t scanID, const ItemIDs& keeping) {
     if (scanID != activeScan_ || phase_ != Phase::scanning)
         return;
     activeScan_ = 0;
     scanTask_ = 0;
     Changes changes(*this);
-    // Without a list of its own, every item arrived with its category and is in place.
-    if (found) {
-        ++itemsVersion_;
-        change(changes, itemsByCategory_, ScanResults::groupedByCategory(*found),
-               &AppModel::itemsByCategoryChanged);
-        change(changes, items_, std::move(*found), &AppModel::itemsChanged);
-    }
+    // Every item arrived with its category, in the scanner's order, sorted in place.
     ItemIDs kept;
     for (const ScanItem& item : items_)
         if (keeping.contains(item.id))
