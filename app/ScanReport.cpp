@@ -1,5 +1,7 @@
 #include "app/ScanReport.h"
 
+#include "app/CountedText.h"
+
 #include "model/ItemKey.h"
 #include "platform/ByteCount.h"
 #include "platform/Localized.h"
@@ -188,8 +190,7 @@ QString text(const AppModel& model, const SearchedPlaces::PerCategory& searched,
             const int count = model.itemCountOf(id);
             stream << "  " << padRight(QString::fromStdString(category.title), 44) << " "
                    << (count > 0 ? sizeText(model.totalSize(id)) : QStringLiteral("—")).rightJustified(10)
-                   << "  " << QString::fromStdString(localizedFormat("%1 items", {std::to_string(count)}))
-                   << "\n";
+                   << "  " << countedText("%Ln items", static_cast<size_t>(count)) << "\n";
         }
     }
     // Only the first few are printed: pick them without copying or sorting every item.
