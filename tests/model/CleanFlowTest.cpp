@@ -8,11 +8,15 @@
 #include "support/TempTree.h"
 
 #include <QClipboard>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QRegularExpression>
 
+#include <functional>
 #include <sys/stat.h>
+#include <utility>
 
 using namespace ModelTest;
 using Phase = AppModel::Phase;
@@ -35,6 +39,25 @@ namespace {
         return ::testing::AssertionFailure() << "no purge message";
     return waitForWorkers(model);
 }
+
+// Calls `meanwhile` when the next queued call reaches the main thread, before it is
+// applied: an operation's result can then be made to land after a later one's.
+class BeforeNextQueuedCall : public QObject {
+public:
+    explicit BeforeNextQueuedCall(std::function<void()> meanwhile) : meanwhile_(std::move(meanwhile)) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::MetaCall && meanwhile_)
+            std::exchange(meanwhile_, {})();
+        return false;
+    }
+
+private:
+    std::function<void()> meanwhile_;
+};
 
 // "Deleted permanently — freed 12 KB", with the count of failures when there are any.
 QRegularExpression purgeLine(const QString& failedPart) {
@@ -148,6 +171,8 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     const std::string first = makeCacheFolder(home, "com.example.first", 100'000);
     const std::string second = makeCacheFolder(home, "com.example.second", 60'000);
     const std::string third = makeCacheFolder(home, "com.example.third", 30'000);
+    const std::string fourth = makeCacheFolder(home, "com.example.fourth", 20'000);
+    const std::string fifth = makeCacheFolder(home, "com.example.fifth", 10'000);
     const std::string trash = home.path(".local/share/Trash/files/");
     home.makeFileOfSize(".local/share/Trash/files/kept.txt", 4'000); // the user's own Trash stays untouched
     AppModel model;
@@ -181,6 +206,23 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     ASSERT_TRUE(purgeToEnd(model));
     EXPECT_TRUE(purgeLine(" \\(1 failed\\)").match(model.purgeMessage()).hasMatch())
         << model.purgeMessage().toStdString();
+
+    // A purge that ends after a newer clean leaves that clean's list and sheet alone,
+    // and the newer list can still be purged.
+    model.setSelected(fourth, true);
+    ASSERT_TRUE(cleanToEnd(model));
+    ASSERT_TRUE(waitForWorkers(model));
+    model.setSelected(fifth, true);
+    bool newerApplied = false;
+    BeforeNextQueuedCall newerCleanFirst([&] { newerApplied = cleanToEnd(model); });
+    model.purgeLastTrashed();
+    ASSERT_TRUE(waitForWorkers(model));
+    ASSERT_TRUE(newerApplied);
+    EXPECT_FALSE(exists(trash + "com.example.fourth"));
+    EXPECT_TRUE(model.purgeMessage().isEmpty());
+    ASSERT_EQ(model.lastResult()->trashedURLs.size(), 1u);
+    ASSERT_TRUE(purgeToEnd(model));
+    EXPECT_FALSE(exists(trash + "com.example.fifth"));
 }
 
 TEST(CleanFlow, PurgeMessageWordsTheFigures) {

@@ -56,10 +56,9 @@ std::vector<std::string> idsOf(const ScanItems& items) {
     return ids;
 }
 
-const ScanItems& itemsOf(const AppModel& model, const std::string& categoryID) {
-    static const ScanItems none;
-    const auto found = model.itemsByCategory().find(categoryID);
-    return found == model.itemsByCategory().end() ? none : found->second;
+ScanItems itemsOf(const AppModel& model, const std::string& categoryID) {
+    const CategoryItems items = model.itemsOf(categoryID);
+    return ScanItems(items.begin(), items.end());
 }
 
 bool makeAllocatedFile(const std::string& path, int64_t bytes) {

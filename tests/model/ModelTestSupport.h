@@ -39,7 +39,7 @@ std::string idOf(const std::string& path);
 // The item with this id in `items`, or nullptr.
 const ScanItem* find(const ScanItems& items, const std::string& id);
 std::vector<std::string> idsOf(const ScanItems& items);
-const ScanItems& itemsOf(const AppModel& model, const std::string& categoryID);
+ScanItems itemsOf(const AppModel& model, const std::string& categoryID);
 
 // A file whose allocated size (st_blocks * 512) is exactly `bytes`, made with
 // fallocate so it costs no writing; false when the file system cannot give that.

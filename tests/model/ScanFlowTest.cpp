@@ -252,6 +252,25 @@ TEST(ScanFlow, StopBeforeAnyCategoryReturnsToIdleAndKeepsTheLastScanDate) {
     EXPECT_EQ(log.total(), 0);
 }
 
+TEST(ScanFlow, StopOutsideAScanSettlesThePhaseOnWhatIsListed) {
+    FakeHome home;
+    AppModel model;
+    ASSERT_TRUE(scanToEnd(model));
+    ASSERT_TRUE(model.items().empty());
+    ASSERT_EQ(model.phase(), Phase::ready);
+    const QDateTime emptyScan = model.lastScanDate();
+    model.cancelScan();
+    EXPECT_EQ(model.phase(), Phase::idle);
+    EXPECT_EQ(model.lastScanDate(), emptyScan);
+
+    makeCacheFolder(home, "com.example.found", 10'000);
+    ASSERT_TRUE(scanToEnd(model));
+    const std::optional<Date> finished = model.lastScanTime();
+    model.cancelScan();
+    EXPECT_EQ(model.phase(), Phase::ready);
+    EXPECT_GT(model.lastScanTime(), finished);
+}
+
 TEST(ScanFlow, EventsOfAStoppedScanNeverReachTheNextOne) {
     FakeHome home;
     const std::string old = makeCacheFolder(home, "com.example.old", 50'000);

@@ -1,6 +1,7 @@
 #include "ScanRecorder.h"
 
 #include "platform/Paths.h"
+#include "support/DeepTree.h"
 #include "support/FakeHome.h"
 
 #include <gtest/gtest.h>
@@ -233,7 +234,8 @@ TEST(LargeFiles, AStopReturnsWhatWasFoundSoFar) {
     EXPECT_EQ(all.size(), 5100u);
 }
 
-// A hundred levels deep included.
+// Three hundred levels deep included: far more folders than a walk holds open, so
+// on the way back up each is reopened and its listing goes on after the subfolder.
 TEST(LargeFiles, HitsComeInTheOrderOfOneSequentialWalk) {
     FakeHome home;
     for (int top = 0; top < 20; ++top) {
@@ -249,13 +251,10 @@ TEST(LargeFiles, HitsComeInTheOrderOfOneSequentialWalk) {
                     home.makeFile(b + "/l" + std::to_string(leaf) + "/f" + std::to_string(f));
         }
     }
-    std::string deep = "tree/t7";
-    for (int level = 0; level < 100; ++level)
-        deep += "/d";
-    home.makeFile(deep + "/f");
+    ASSERT_EQ(buildDeepTree(home.path("tree/t7"), 300), 0);
     std::vector<std::string> expected;
     walkInOrder(home.home(), expected);
-    ASSERT_EQ(expected.size(), 20u * (3 + 5 * (3 + 4 * 3)) + 1);
+    ASSERT_EQ(expected.size(), 20u * (3 + 5 * (3 + 4 * 3)) + 30 + 3);
 
     // The walk hands folders to other threads as they fall idle, differently each
     // time; the order must not change.

@@ -115,7 +115,7 @@ TEST_F(OverviewRanking, RankCheckGoesFromPartialToAllToNone) {
         return idsOf(rowsOf("rankingList", "rankRow_"), "categoryId") ==
                modelList(model().ranking(), "categoryId");
     }));
-    const ScanItems& caches = model().itemsByCategory().at("user.caches");
+    const CategoryItems caches = model().itemsOf("user.caches");
     ASSERT_EQ(caches.size(), 2u);
     QQuickItem* row = shownItem("rankRow_user.caches");
     ASSERT_NE(row, nullptr);
@@ -130,7 +130,7 @@ TEST_F(OverviewRanking, RankCheckGoesFromPartialToAllToNone) {
     EXPECT_EQ(look(), QStringList({"off", "circle", "Select"}));
     EXPECT_NE(check->property("symbolColor").value<QColor>(), gold);
 
-    model().setItemSelected(ItemKey::fromID(caches.front().id), true);
+    model().setItemSelected(ItemKey::fromID(caches[0].id), true);
     EXPECT_EQ(look(), QStringList({"partial", "minus.circle.fill", "Select"}));
     EXPECT_EQ(check->property("symbolColor").value<QColor>(), gold);
 
