@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <sstream>
 
 FakeHome& cleanerHome() {
     static FakeHome home;
@@ -61,16 +62,10 @@ ScanItem commandItem(const std::string& id, const std::string& command, bool adm
 
 std::vector<std::string> itemLines(const std::string& script) {
     std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < script.size()) {
-        size_t end = script.find('\n', start);
-        if (end == std::string::npos)
-            end = script.size();
-        const std::string line = script.substr(start, end - start);
+    std::istringstream in(script);
+    for (std::string line; std::getline(in, line);)
         if (line.starts_with("mv_item ") || line.starts_with("rm_item ") || line.starts_with("run_cmd "))
             lines.push_back(line);
-        start = end + 1;
-    }
     return lines;
 }
 

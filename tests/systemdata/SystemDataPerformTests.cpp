@@ -112,12 +112,6 @@ TEST(SystemDataPerform, ActionsRunTheirLinuxCommands) {
          "flatpak uninstall --system --unused -y",
          {1, "", " error: not allowed \n"},
          "error: not allowed"},
-        {"tm",
-         {"snapper"},
-         "",
-         LinuxCommands::find(area("tm").action->shell)->steps.front().shell,
-         done,
-         std::nullopt},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.id);
