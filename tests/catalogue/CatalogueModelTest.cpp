@@ -75,14 +75,8 @@ TEST(ScanItem, EqualItemsHashAlikeAndASizeChangeMakesAnotherItem) {
 TEST(ScanItem, LocationShowsCommandTextOrParentFolderWithHomeAbbreviated) {
     const std::string home = catalogueHome().home();
 
-    ScanItem command{"cmd.brew",
-                     "dev.packages",
-                     "brew cleanup",
-                     std::nullopt,
-                     std::nullopt,
-                     std::nullopt,
-                     RemovalMethod::makeCommand("brew cleanup -s --prune=all", false),
-                     std::nullopt};
+    ScanItem command = pathItem("/x/cmd.brew");
+    command.method = RemovalMethod::makeCommand("brew cleanup -s --prune=all", false);
     EXPECT_EQ(command.location(), "brew cleanup -s --prune=all");
 
     EXPECT_EQ(pathItem(home + "/Library/Caches/com.example.app").location(), "~/Library/Caches");
@@ -102,8 +96,6 @@ TEST(ScanItem, UnknownSizeAndDateSortLast) {
     item.modified = std::nullopt;
     EXPECT_EQ(item.sortSize(), -1);
     EXPECT_EQ(item.sortDate(), Dates::distantPast());
-    // Older than any date a file system can report, the epoch's negative side included.
-    EXPECT_LT(item.sortDate(), Date{std::chrono::seconds{-1'000'000'000}});
 
     item.size = 0;
     EXPECT_EQ(item.sortSize(), 0);
