@@ -66,6 +66,15 @@ TEST(CleanupRules, CategoriesHoldEveryRuleOnceGroupByGroupInTableOrder) {
     }
 }
 
+// What the user must review (archives, backups, old downloads, large files) is never
+// ticked for them.
+TEST(CleanupRules, CategoriesToReviewAreNeverRecommended) {
+    catalogueHome();
+    for (const Rule& rule : CleanupRules::rules())
+        EXPECT_FALSE(rule.category.risk == Risk::review && rule.category.selectedByDefault)
+            << rule.category.id;
+}
+
 TEST(CleanupRules, UserCachesLeaveOutTheApplicationsOwnFolders) {
     catalogueHome();
     const Rule& caches = CleanupRules::rules()[tablePosition("user.caches")];
