@@ -25,7 +25,7 @@ size_t tablePosition(const std::string& id) {
 
 } // namespace
 
-// The scanner gives a path to the first rule that reaches it: the specific rules stand
+// The scanner gives a path to the first rule that reaches it: the narrower rules stand
 // before the general ones that would swallow them.
 TEST(CleanupRules, RulesStandInTableOrder) {
     catalogueHome();
