@@ -158,23 +158,21 @@ TEST(HeadlessArguments, BadArgumentsFailWithOneLineNamingThemAndChangeNothing) {
     EXPECT_EQ(describeDifferences(before, snapshotTree(fixture.home.home())), "");
 }
 
-TEST(CleanCommand, DryRunShowsTheSummaryAndChangesNothing) {
-    Fixture fixture;
-    const TreeSnapshot before = snapshotTree(fixture.home.home());
-    const CommandRun run = CommandRun::of(fixture.home, {"clean", "--recommended", "--dry-run"});
-    EXPECT_EQ(run.status, 0) << run.err;
-    // Two caches and the log to the Trash, the old Trash item deleted for good.
-    EXPECT_NE(run.out.find("Clean 4 Items"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("Move to Trash (recoverable)"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("3 items"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("Delete permanently (items already in Trash)"), std::string::npos) << run.out;
-    EXPECT_EQ(run.out.find("Cleaned"), std::string::npos) << run.out;
-    EXPECT_EQ(describeDifferences(before, snapshotTree(fixture.home.home())), "");
-}
-
-TEST(CleanCommand, YesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
+// A dry run shows the summary and changes nothing; --yes moves what it showed to the
+// Trash; --purge deletes for good what its own clean moved and nothing else.
+TEST(CleanCommand, DryRunThenYesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     Fixture fixture;
     FakeHome& home = fixture.home;
+    const TreeSnapshot before = snapshotTree(home.home());
+    const CommandRun dry = CommandRun::of(home, {"clean", "--recommended", "--dry-run"});
+    EXPECT_EQ(dry.status, 0) << dry.err;
+    // Two caches and the log to the Trash, the old Trash item deleted for good.
+    for (const char* line : {"Clean 4 Items", "Move to Trash (recoverable)", "3 items",
+                             "Delete permanently (items already in Trash)"})
+        EXPECT_NE(dry.out.find(line), std::string::npos) << line << " in\n" << dry.out;
+    EXPECT_EQ(dry.out.find("Cleaned"), std::string::npos) << dry.out;
+    EXPECT_EQ(describeDifferences(before, snapshotTree(home.home())), "");
+
     const CommandRun run = CommandRun::of(home, {"clean", "--recommended", "--yes"});
     EXPECT_EQ(run.status, 0) << run.out << run.err;
     EXPECT_NE(run.out.find("Cleaned 4 Items"), std::string::npos) << run.out;
