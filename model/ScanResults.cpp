@@ -4,12 +4,6 @@
 
 namespace ScanResults {
 
-ScanItems sortedForDisplay(ScanItems items) {
-    std::stable_sort(items.begin(), items.end(),
-                     [](const ScanItem& a, const ScanItem& b) { return a.sortSize() > b.sortSize(); });
-    return items;
-}
-
 void sortForDisplay(const ScanItems& all, ItemPositions& positions) {
     std::stable_sort(positions.begin(), positions.end(),
                      [&all](uint32_t a, uint32_t b) { return all[a].sortSize() > all[b].sortSize(); });

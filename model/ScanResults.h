@@ -68,10 +68,8 @@ private:
 
 namespace ScanResults {
 
-// Largest size first, an unknown size counting as -1, stable for equal sizes.
-ScanItems sortedForDisplay(ScanItems items);
-
-// `positions` (of items of `all`) put in that same order.
+// `positions` (of items of `all`) put largest size first, an unknown size counting as
+// -1, stable for equal sizes.
 void sortForDisplay(const ScanItems& all, ItemPositions& positions);
 
 // Positions grouped by categoryID, each group in display order; a category without
