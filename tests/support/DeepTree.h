@@ -18,16 +18,3 @@ int buildDeepTree(const std::string& top, int levels, const std::function<void(i
 inline bool removeTreeByDescriptors(const std::string& path) {
     return removeTreeForcefully(path);
 }
-
-// Removes a tree when it goes out of scope, so that a test that stops early still
-// leaves nothing behind.
-class RemovedOnExit {
-public:
-    explicit RemovedOnExit(std::string path) : path_(std::move(path)) {}
-    ~RemovedOnExit() { removeTreeForcefully(path_); }
-    RemovedOnExit(const RemovedOnExit&) = delete;
-    RemovedOnExit& operator=(const RemovedOnExit&) = delete;
-
-private:
-    std::string path_;
-};
