@@ -1,11 +1,14 @@
 #include "catalogue/CleanupRules.h"
 
 #include "CatalogueHome.h"
+#include "catalogue/ProtectedPaths.h"
 #include "platform/Environment.h"
+#include "support/ForkedChild.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -282,4 +285,20 @@ TEST(CleanupRules, ProtectedPathsAreTheSystemFoldersAndTheHomesOwn) {
         expected.insert(home + "/" + name);
     EXPECT_EQ(CleanupRules::protectedPaths(), expected);
     EXPECT_EQ(CleanupRules::protectedPaths().size(), 33u);
+}
+
+TEST(CleanupRules, AHomeOfTheRootFolderProtectsItsFoldersThere) {
+    const int status = runInChild([] {
+        ::setenv("HOME", "/", 1);
+        if (Environment::homeFolder() != "/")
+            return kChildCannotSetUp;
+        for (const char* path : {"/.cache", "/Desktop", "/.local/share/Trash", "/.local/share/Trash/files",
+                                 "/.config", "/Videos"})
+            if (!ProtectedPaths::contains(path))
+                return 1;
+        return 0;
+    });
+    if (status == kChildCannotSetUp)
+        GTEST_SKIP() << "the home folder was read earlier in this process; run this test on its own";
+    EXPECT_EQ(status, 0);
 }
