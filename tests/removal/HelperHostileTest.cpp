@@ -8,6 +8,7 @@
 
 #include "CleanerFixtures.h"
 #include "platform/Paths.h"
+#include "platform/ShellQuote.h"
 #include "platform/Text.h"
 #include "removal/AdminBatchScript.h"
 #include "removal/WorkList.h"
@@ -22,6 +23,7 @@
 #include <functional>
 #include <linux/fs.h>
 #include <map>
+#include <pwd.h>
 #include <set>
 #include <sstream>
 #include <sys/ioctl.h>
@@ -375,3 +377,21 @@ INSTANTIATE_TEST_SUITE_P(Trees, HelperHostileTest, ::testing::Range<size_t>(0, s
                          [](const ::testing::TestParamInfo<size_t>& param) {
                              return std::string(scenarios()[param.param].name);
                          });
+
+namespace {
+
+// The helper as root for the user, on trees of each test's own.
+class HelperAsRootTest : public HelperHostileTest {};
+
+} // namespace
+
+TEST_F(HelperAsRootTest, CommandsGetRootsOwnEnvironmentNotTheUsersFolders) {
+    resetTrash();
+    const std::string file = area + "/environment";
+    const Outcome outcome = runHelper({step(Kind::command, "i0", "env > " + shellQuote(file))}, false);
+    ASSERT_EQ(outcome.answers, (std::map<std::string, bool>{{"i0", true}})) << outcome.log;
+    const std::string environment = "\n" + readFile(file);
+    EXPECT_EQ(environment.find(home.tree().root()), std::string::npos) << environment;
+    EXPECT_NE(environment.find("\nHOME=" + std::string(::getpwuid(0)->pw_dir) + "\n"), std::string::npos)
+        << environment;
+}
