@@ -20,6 +20,7 @@
 
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <functional>
 #include <linux/fs.h>
 #include <map>
@@ -394,4 +395,33 @@ TEST_F(HelperAsRootTest, CommandsGetRootsOwnEnvironmentNotTheUsersFolders) {
     EXPECT_EQ(environment.find(home.tree().root()), std::string::npos) << environment;
     EXPECT_NE(environment.find("\nHOME=" + std::string(::getpwuid(0)->pw_dir) + "\n"), std::string::npos)
         << environment;
+}
+
+// Entries directly in the shared temporary folders are taken only as the user's own,
+// whatever the depth rule would let through.
+TEST_F(HelperAsRootTest, OnlyTheUsersOwnEntriesDirectlyInTemporaryFoldersAreTaken) {
+    resetTrash();
+    struct Entry {
+        std::string path;
+        bool users;
+    };
+    std::vector<Entry> entries;
+    std::vector<WorkList::Step> steps;
+    std::map<std::string, bool> expected;
+    for (const auto& [folder, users] : {std::pair{"/tmp", false}, {"/tmp", true}, {"/var/tmp", false}}) {
+        std::string path = std::string(folder) + "/veltro-owner-XXXXXX";
+        ASSERT_NE(::mkdtemp(path.data()), nullptr) << folder;
+        entries.push_back({path, users});
+        std::ofstream(path + "/inside") << "i";
+        chownTree(path, users ? unprivilegedUid() : 0, users ? unprivilegedGid() : 0);
+        const std::string key = "i" + std::to_string(steps.size());
+        steps.push_back(step(steps.size() % 2 ? Kind::move : Kind::remove, key, path));
+        expected[key] = users;
+    }
+    const Outcome outcome = runHelper(steps, false);
+    EXPECT_EQ(outcome.answers, expected) << outcome.log;
+    for (const Entry& entry : entries) {
+        EXPECT_EQ(exists(entry.path + "/inside"), !entry.users) << entry.path;
+        removeTreeForcefully(entry.path);
+    }
 }
