@@ -3,6 +3,7 @@
 #include "platform/Date.h"
 #include "platform/Environment.h"
 #include "platform/MountIdentity.h"
+#include "platform/MountPoints.h"
 #include "platform/Paths.h"
 #include "platform/SafeFs.h"
 #include "platform/SafeFsInternals.h"
@@ -154,10 +155,14 @@ MoveResult moveToTrash(const std::string& path) {
     std::string name;
     if ((result.error = SafeFs::openParent(path, parent, name)))
         return result;
-    if (!isTaken(parent.fd(), name)) {
+    struct stat st {};
+    if (::fstatat(parent.fd(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
         result.error = errno;
         return result;
     }
+    // The parent was opened without links, so `path` is where the folder really is.
+    if (S_ISDIR(st.st_mode) && (result.error = MountPoints::checkNoneWithin(Paths::standardizedPath(path))))
+        return result;
     TrashFolders::Opened trash;
     std::string recorded;
     if ((result.error = openTrashFor(parent.fd(), path, trash, recorded)))

@@ -22,7 +22,7 @@ const std::string& homeTrashFolder();
 // Moves the item (its parent chain opened without following links) into its mount's
 // trash by renaming: a free name is reserved by creating its info file first, and
 // the info file goes again if the rename fails. EXDEV and every other refusal is an
-// error, never a copy.
+// error, never a copy; a folder with something mounted inside it is not moved (EBUSY).
 MoveResult moveToTrash(const std::string& path);
 
 // Deletes the item for good (SafeFs::removeItem). When it lay directly in a trash's

@@ -1,5 +1,6 @@
 #include "removal/HelperBatch.h"
 
+#include "platform/MountPoints.h"
 #include "platform/Paths.h"
 #include "platform/SafeFs.h"
 #include "platform/Text.h"
@@ -80,6 +81,13 @@ int Batch::move(const std::string& path) {
     struct stat st {};
     if (::fstatat(parent.fd(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
         return errno;
+    if (S_ISDIR(st.st_mode)) {
+        const int error = MountPoints::checkNoneWithin(path);
+        if (error == EBUSY)
+            reason_ = "something is mounted inside it; not moved";
+        if (error != 0)
+            return error == EBUSY ? -1 : error;
+    }
     if (const int error = openDestination())
         return error;
     const int folder = destination_->folder.fd();

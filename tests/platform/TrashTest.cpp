@@ -1,5 +1,6 @@
 #include "platform/Trash.h"
 #include "platform/Environment.h"
+#include "platform/Paths.h"
 #include "platform/TrashInfo.h"
 
 #include "support/FakeHome.h"
@@ -348,4 +349,26 @@ TEST(Trash, TheDesktopsTrashListingShowsWhatWasMoved) {
     }
     EXPECT_EQ(::pclose(listing), 0) << "gio needs the gvfs package: run scripts/bootstrap";
     EXPECT_EQ(listed, expected);
+}
+
+// A rename would take the mount along into the Trash. The name is one the mount table
+// escapes, and its prefix "x" must still move.
+TEST(Trash, AFolderWithSomethingMountedInsideStaysWhereItIs) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "mounting needs root";
+    TrashHome home;
+    const std::string mounted = home.makeDir("Projects/x \\y\n/mnt");
+    const std::string folder = Paths::parentFolder(mounted);
+    home.makeDir("Projects/x");
+    const int status = runInChild([&] {
+        if (!enterPrivateMountNamespace() ||
+            ::mount("veltro-test", mounted.c_str(), "tmpfs", 0, nullptr) != 0)
+            return kChildCannotSetUp;
+        if (Trash::moveToTrash(folder).error != EBUSY || !exists(mounted))
+            return 1;
+        return Trash::moveToTrash(home.path("Projects/x")).error;
+    });
+    if (status == kChildCannotSetUp)
+        GTEST_SKIP() << "mounting is not permitted here";
+    EXPECT_EQ(status, 0);
 }

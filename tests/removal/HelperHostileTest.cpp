@@ -138,8 +138,8 @@ const std::vector<Scenario>& scenarios() {
              return arming.bind(dir + "/outside/x", dir + "/a/mnt") &&
                     arming.bind(dir + "/outside/x", dir + "/b/mnt");
          },
-         {{"i0", true}, {"i1", false}},
-         stampName},
+         {{"i0", false}, {"i1", false}},
+         ""},
         {"MountOverTheTrash",
          [](const std::string& dir, FakeHome& home) {
              home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/outside/y/file", "y");
