@@ -192,12 +192,12 @@ MoveResult moveToTrash(const std::string& path) {
     return result;
 }
 
-int deleteForGood(const std::string& path) {
+int deleteForGood(const std::string& path, const SafeFs::StopRequested& stop) {
     SafeFs::Dir parent;
     std::string name;
     if (const int error = SafeFs::openParent(path, parent, name))
         return error;
-    const int error = SafeFs::removeTree(parent.fd(), name);
+    const int error = SafeFs::removeTree(parent.fd(), name, stop);
     if (!liesInTrashFiles(path) || !isGone(parent.fd(), name))
         return error;
     // Through the files/ folder that held the item, so its own trash is the one meant.

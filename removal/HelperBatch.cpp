@@ -98,7 +98,8 @@ int Batch::move(const std::string& path) {
         const std::string target = Text::prefixWithinBytes(name, NAME_MAX - suffix.size()) + suffix;
         if (::renameat2(parent.fd(), name.c_str(), folder, target.c_str(), RENAME_NOREPLACE) == 0) {
             moved_ = true;
-            if (const int error = OwnerHandover::handOver(folder, target, user_.uid, user_.gid))
+            if (const int error =
+                    OwnerHandover::handOver(folder, target, user_.uid, user_.gid, HelperStop::requested))
                 writeAll(logFd_, "moved, but not all of it could be given to the user: " +
                                      std::string(std::strerror(error)) + "\n");
             return 0;
@@ -109,9 +110,10 @@ int Batch::move(const std::string& path) {
     return EEXIST;
 }
 
-// A trashed item deleted for good takes its info file along.
+// A trashed item deleted for good takes its info file along. A stop leaves the rest of
+// a large folder for another time rather than holding the user's quit.
 int Batch::remove(const std::string& path) {
-    return Trash::deleteForGood(path);
+    return Trash::deleteForGood(path, HelperStop::requested);
 }
 
 int Batch::command(const std::string& text) {

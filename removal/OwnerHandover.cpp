@@ -27,7 +27,7 @@ struct Frame {
 
 class Walk {
 public:
-    Walk(uid_t uid, gid_t gid) : uid_(uid), gid_(gid) {}
+    Walk(uid_t uid, gid_t gid, const SafeFs::StopRequested& stop) : uid_(uid), gid_(gid), stop_(stop) {}
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
     ~Walk() {
@@ -51,6 +51,7 @@ private:
 
     uid_t uid_;
     gid_t gid_;
+    const SafeFs::StopRequested& stop_;
     MountIdentity root_;
     std::vector<Frame> stack_;
     size_t openStreams_ = 0;
@@ -172,6 +173,8 @@ int Walk::run(int parentFd, const std::string& name) {
     root_ = parent;
     enter(parentFd, name.c_str());
     while (!stack_.empty() && !aborted_) {
+        if (stop_ && stop_())
+            return ECANCELED;
         Frame& top = stack_.back();
         errno = 0;
         const dirent* entry = ::readdir(top.stream);
@@ -194,8 +197,8 @@ int Walk::run(int parentFd, const std::string& name) {
 
 } // namespace
 
-int handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid) {
-    Walk walk(uid, gid);
+int handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid, const SafeFs::StopRequested& stop) {
+    Walk walk(uid, gid, stop);
     return walk.run(parentFd, name);
 }
 

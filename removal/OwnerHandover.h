@@ -2,6 +2,8 @@
 // Handing what the administrator batch moved to the user, so the user can empty it
 // later without administrator rights.
 
+#include "platform/SafeFs.h"
+
 #include <string>
 #include <sys/types.h>
 
@@ -13,7 +15,9 @@ namespace OwnerHandover {
 // and what is mounted on it stay as they are), and never changing a file that has
 // other names (hard links), which may lie outside. Folders change owner after their
 // contents, so nobody else can change a folder while it is walked. Returns 0 or the
-// first errno met; it carries on past failures.
-int handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid);
+// first errno met; it carries on past failures, and ends where it is when `stop`
+// asks (ECANCELED), leaving the rest as it was.
+int handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid,
+             const SafeFs::StopRequested& stop = {});
 
 } // namespace OwnerHandover

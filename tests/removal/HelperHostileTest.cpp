@@ -24,12 +24,15 @@
 #include <functional>
 #include <linux/fs.h>
 #include <map>
+#include <poll.h>
 #include <pwd.h>
 #include <set>
 #include <sstream>
+#include <sys/fanotify.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -384,6 +387,48 @@ namespace {
 // The helper as root for the user, on trees of each test's own.
 class HelperAsRootTest : public HelperHostileTest {};
 
+struct stat statOf(const std::string& path) {
+    struct stat st {};
+    st.st_uid = static_cast<uid_t>(-1);
+    ::lstat(path.c_str(), &st);
+    return st;
+}
+
+// Holds whoever opens `folder` (as a folder to read) until released, as a slow disk
+// would hold a walk that reaches it: a fanotify permission event.
+class OpenGate {
+public:
+    explicit OpenGate(const std::string& folder)
+        : fd_(::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_CLOEXEC)) {
+        armed_ = fd_ >= 0 &&
+                 ::fanotify_mark(fd_, FAN_MARK_ADD, FAN_OPEN_PERM | FAN_ONDIR, AT_FDCWD, folder.c_str()) == 0;
+    }
+    ~OpenGate() { ::close(fd_); } // lets through whatever is still held
+    OpenGate(const OpenGate&) = delete;
+    OpenGate& operator=(const OpenGate&) = delete;
+
+    bool armed() const { return armed_; }
+    // The process now held, or -1 when none came within a minute.
+    pid_t awaitOpener() {
+        pollfd watched{fd_, POLLIN, 0};
+        fanotify_event_metadata event{};
+        if (::poll(&watched, 1, 60'000) != 1 || ::read(fd_, &event, sizeof event) != sizeof event)
+            return -1;
+        held_ = event.fd;
+        return event.pid;
+    }
+    void release() {
+        const fanotify_response allow{held_, FAN_ALLOW};
+        [[maybe_unused]] const ssize_t written = ::write(fd_, &allow, sizeof allow);
+        ::close(held_);
+    }
+
+private:
+    int fd_;
+    int held_ = -1;
+    bool armed_ = false;
+};
+
 } // namespace
 
 TEST_F(HelperAsRootTest, CommandsGetRootsOwnEnvironmentNotTheUsersFolders) {
@@ -423,5 +468,42 @@ TEST_F(HelperAsRootTest, OnlyTheUsersOwnEntriesDirectlyInTemporaryFoldersAreTake
     for (const Entry& entry : entries) {
         EXPECT_EQ(exists(entry.path + "/inside"), !entry.users) << entry.path;
         removeTreeForcefully(entry.path);
+    }
+}
+
+// Told to stop in the middle of a large folder, the helper leaves the rest of it: a
+// deletion keeps what it has not reached, a move keeps it root's, and no step after it
+// runs.
+TEST_F(HelperAsRootTest, AStopEndsTheDeletionOrHandOverWalkWhereItIs) {
+    for (const Kind kind : {Kind::remove, Kind::move}) {
+        SCOPED_TRACE(kind == Kind::move ? "move" : "delete");
+        resetTrash();
+        const std::string item = areaDir(kind == Kind::move ? "moved" : "deleted");
+        const std::string relative = item.substr(home.tree().root().size() + 1);
+        home.tree().makeFile(relative + "/reached", "r");
+        home.tree().makeFile(relative + "/held/inside", "i");
+        const std::string next = areaFile("next", "n");
+        OpenGate gate(item + "/held");
+        if (!gate.armed())
+            GTEST_SKIP() << "fanotify permission events are not available here";
+
+        Outcome outcome;
+        std::thread run([&] {
+            outcome = runHelper({step(kind, "i0", item), step(Kind::remove, "i1", next)}, false);
+        });
+        const pid_t helper = gate.awaitOpener();
+        EXPECT_GT(helper, 0) << "the walk never reached the folder";
+        if (helper > 0)
+            ::kill(helper, SIGTERM);
+        gate.release();
+        run.join();
+
+        const std::string now = kind == Kind::move ? trashOf(home) + "/files/" + stampName + "/moved" : item;
+        EXPECT_EQ(outcome.answers, (std::map<std::string, bool>{{"i0", kind == Kind::move}})) << outcome.log;
+        EXPECT_EQ(readFile(now + "/held/inside"), "i");
+        if (kind == Kind::move) {
+            EXPECT_EQ(statOf(now).st_uid, 0u) << "handed over after the stop";
+        }
+        EXPECT_EQ(readFile(next), "n");
     }
 }
