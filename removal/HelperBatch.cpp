@@ -98,10 +98,15 @@ int Batch::move(const std::string& path) {
         const std::string target = Text::prefixWithinBytes(name, NAME_MAX - suffix.size()) + suffix;
         if (::renameat2(parent.fd(), name.c_str(), folder, target.c_str(), RENAME_NOREPLACE) == 0) {
             moved_ = true;
-            if (const int error =
-                    OwnerHandover::handOver(folder, target, user_.uid, user_.gid, HelperStop::requested))
+            const OwnerHandover::Outcome given =
+                OwnerHandover::handOver(folder, target, user_.uid, user_.gid, HelperStop::requested);
+            const std::string shown = Text::escapedForTerminal(path);
+            if (given.keptSpecialFiles)
+                writeAll(logFd_, "moved; its device files, and root's pipes and sockets, stay root's: " +
+                                     shown + "\n");
+            if (given.error != 0)
                 writeAll(logFd_, "moved, but not all of it could be given to the user: " +
-                                     std::string(std::strerror(error)) + "\n");
+                                     std::string(std::strerror(given.error)) + ": " + shown + "\n");
             return 0;
         }
         if (errno != EEXIST)

@@ -36,7 +36,7 @@ public:
                 ::closedir(frame.stream);
     }
 
-    int run(int parentFd, const std::string& name);
+    Outcome run(int parentFd, const std::string& name);
 
 private:
     void note(int error) {
@@ -56,6 +56,7 @@ private:
     std::vector<Frame> stack_;
     size_t openStreams_ = 0;
     bool aborted_ = false;
+    bool keptSpecialFiles_ = false;
     int error_ = 0;
 };
 
@@ -71,6 +72,9 @@ void Walk::giveEntry(int dirFd, const char* name) {
     struct stat st {};
     if (::fstat(fd, &st) != 0)
         note(errno);
+    else if (S_ISBLK(st.st_mode) || S_ISCHR(st.st_mode) ||
+             ((S_ISFIFO(st.st_mode) || S_ISSOCK(st.st_mode)) && st.st_uid == 0))
+        keptSpecialFiles_ = true;
     else if (!S_ISDIR(st.st_mode) && st.st_nlink > 1)
         note(EMLINK);
     else if (::fchownat(fd, "", uid_, gid_, AT_EMPTY_PATH) != 0)
@@ -166,15 +170,15 @@ void Walk::finishTop() {
     stack_.pop_back();
 }
 
-int Walk::run(int parentFd, const std::string& name) {
+Outcome Walk::run(int parentFd, const std::string& name) {
     MountIdentity parent;
     if (const int error = mountIdentityAt(parentFd, "", parent))
-        return error;
+        return {error, false};
     root_ = parent;
     enter(parentFd, name.c_str());
     while (!stack_.empty() && !aborted_) {
         if (stop_ && stop_())
-            return ECANCELED;
+            return {ECANCELED, keptSpecialFiles_};
         Frame& top = stack_.back();
         errno = 0;
         const dirent* entry = ::readdir(top.stream);
@@ -192,12 +196,13 @@ int Walk::run(int parentFd, const std::string& name) {
         else
             giveEntry(::dirfd(top.stream), entry->d_name);
     }
-    return error_;
+    return {error_, keptSpecialFiles_};
 }
 
 } // namespace
 
-int handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid, const SafeFs::StopRequested& stop) {
+Outcome handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid,
+                 const SafeFs::StopRequested& stop) {
     Walk walk(uid, gid, stop);
     return walk.run(parentFd, name);
 }

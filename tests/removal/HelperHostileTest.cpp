@@ -32,6 +32,7 @@
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <thread>
 #include <unistd.h>
 
@@ -506,4 +507,24 @@ TEST_F(HelperAsRootTest, AStopEndsTheDeletionOrHandOverWalkWhereItIs) {
         }
         EXPECT_EQ(readFile(next), "n");
     }
+}
+
+TEST_F(HelperAsRootTest, DeviceFilesAndRootsPipesStayRootsWhenMoved) {
+    resetTrash();
+    const std::string item = areaDir("specials");
+    const std::vector<std::pair<const char*, mode_t>> specials = {
+        {"null", S_IFCHR | 0666}, {"loop", S_IFBLK | 0660}, {"pipe", S_IFIFO | 0600}};
+    for (const auto& [name, mode] : specials)
+        if (::mknod((item + "/" + name).c_str(), mode, S_ISFIFO(mode) ? 0 : makedev(7, 0)) != 0)
+            GTEST_SKIP() << "device files cannot be made here: " << std::strerror(errno);
+    areaFile("specials/plain", "p");
+
+    const Outcome outcome = runHelper({step(Kind::move, "i0", item)}, false);
+    EXPECT_EQ(outcome.answers, (std::map<std::string, bool>{{"i0", true}})) << outcome.log;
+    EXPECT_NE(outcome.log.find("device files"), std::string::npos) << outcome.log;
+    const std::string moved = trashOf(home) + "/files/" + stampName + "/specials/";
+    for (const auto& [name, mode] : specials)
+        EXPECT_EQ(statOf(moved + name).st_uid, 0u) << name;
+    EXPECT_EQ(statOf(moved + "plain").st_uid, unprivilegedUid());
+    EXPECT_EQ(statOf(moved).st_uid, unprivilegedUid());
 }
