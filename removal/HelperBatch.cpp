@@ -155,8 +155,15 @@ void Batch::run() {
         const std::string path = Paths::standardizedPath(step.payload);
         answer(step, step.kind == WorkList::Step::Kind::move ? move(path) : remove(path));
     }
-    if (destination_ && destination_->error == 0 && !moved_)
-        Trash::removeDatedFolderIfEmpty(*destination_);
+    if (!destination_ || destination_->error != 0)
+        return;
+    // Given last, after every hand-over (also after a stop): until then nobody but
+    // root can swap what was moved for something else to be handed over.
+    if (moved_ || Trash::removeDatedFolderIfEmpty(*destination_) != 0) {
+        if (const int error = Trash::handOverDatedFolder(*destination_, user_.uid, user_.gid))
+            writeAll(logFd_, "the dated folder could not be given to the user: " +
+                                 std::string(std::strerror(error)) + "\n");
+    }
 }
 
 } // namespace

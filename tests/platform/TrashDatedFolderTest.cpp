@@ -3,6 +3,7 @@
 // nothing was moved into it.
 
 #include "platform/TrashDatedFolder.h"
+#include "platform/TrashFolders.h"
 
 #include "support/PathQueries.h"
 #include "support/TempTree.h"
@@ -14,6 +15,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -60,6 +62,7 @@ TEST(TrashDatedFolder, MakesTheTrashAndTakesTheNextFreeNameAllTheUsers) {
     // A second batch in the same second never shares the first one's folder.
     Trash::DatedFolder second = user.create();
     ASSERT_EQ(second.error, 0) << std::strerror(second.error);
+    ASSERT_EQ(Trash::handOverDatedFolder(second, user.owner, user.group), 0);
     EXPECT_EQ(first.location, user.trash + "/files/" + stamp);
     EXPECT_EQ(second.name, stamp + " 1");
     EXPECT_EQ(second.location, user.trash + "/files/" + stamp + " 1");
@@ -122,5 +125,25 @@ TEST(TrashDatedFolder, RefusesATrashThatIsALinkOrSomebodyElses) {
             EXPECT_EQ(dated.error, EACCES) << c.what;
         EXPECT_FALSE(dated.folder) << c.what;
         EXPECT_EQ(describeDifferences(before, snapshotTree(user.tree.root())), "") << c.what;
+    }
+}
+
+// What a user who may write the trash swaps in for a folder just made is never
+// claimed: only the process's own empty folder is.
+TEST(TrashDatedFolder, OnlyTheFolderJustMadeIsClaimed) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "a folder of another user needs root";
+    TempTree tree;
+    chownTree(tree.makeDir("users"), unprivilegedUid(), unprivilegedGid());
+    tree.makeFile("full/kept", "k");
+    tree.makeSymlink("link", tree.path("full"));
+    tree.makeFile("file", "f");
+    tree.makeDir("made");
+    const SafeFs::Dir parent(::open(tree.root().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    for (const char* name : {"users", "full", "link", "file", "made"}) {
+        SafeFs::Dir dir;
+        EXPECT_EQ(TrashFolders::openJustMade(parent.fd(), name, dir) == 0, name == std::string("made"))
+            << name;
+        EXPECT_EQ(bool(dir), name == std::string("made")) << name;
     }
 }

@@ -494,6 +494,12 @@ TEST_F(HelperAsRootTest, AStopEndsTheDeletionOrHandOverWalkWhereItIs) {
         });
         const pid_t helper = gate.awaitOpener();
         EXPECT_GT(helper, 0) << "the walk never reached the folder";
+        // Meanwhile nothing in the dated folder is the user's to swap.
+        const std::string dated = trashOf(home) + "/files/" + stampName;
+        if (kind == Kind::move) {
+            EXPECT_EQ(statOf(dated).st_uid, 0u);
+            EXPECT_EQ(statOf(dated).st_mode & 07777, 0700u);
+        }
         if (helper > 0)
             ::kill(helper, SIGTERM);
         gate.release();
@@ -504,6 +510,7 @@ TEST_F(HelperAsRootTest, AStopEndsTheDeletionOrHandOverWalkWhereItIs) {
         EXPECT_EQ(readFile(now + "/held/inside"), "i");
         if (kind == Kind::move) {
             EXPECT_EQ(statOf(now).st_uid, 0u) << "handed over after the stop";
+            EXPECT_EQ(statOf(dated).st_uid, unprivilegedUid());
         }
         EXPECT_EQ(readFile(next), "n");
     }
