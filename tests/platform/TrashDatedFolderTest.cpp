@@ -133,17 +133,13 @@ TEST(TrashDatedFolder, RefusesATrashThatIsALinkOrSomebodyElses) {
 TEST(TrashDatedFolder, OnlyTheFolderJustMadeIsClaimed) {
     if (::geteuid() != 0)
         GTEST_SKIP() << "a folder of another user needs root";
-    TempTree tree;
-    chownTree(tree.makeDir("users"), unprivilegedUid(), unprivilegedGid());
-    tree.makeFile("full/kept", "k");
-    tree.makeSymlink("link", tree.path("full"));
-    tree.makeFile("file", "f");
-    tree.makeDir("made");
-    const SafeFs::Dir parent(::open(tree.root().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    for (const char* name : {"users", "full", "link", "file", "made"}) {
+    UserHome user; // "home" is the user's
+    user.tree.makeFile("full/kept", "k");
+    user.tree.makeSymlink("link", user.tree.path("full"));
+    user.tree.makeDir("made");
+    const SafeFs::Dir parent(::open(user.tree.root().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    for (const std::string name : {"home", "full", "link", "full/kept", "made"}) {
         SafeFs::Dir dir;
-        EXPECT_EQ(TrashFolders::openJustMade(parent.fd(), name, dir) == 0, name == std::string("made"))
-            << name;
-        EXPECT_EQ(bool(dir), name == std::string("made")) << name;
+        EXPECT_EQ(TrashFolders::openJustMade(parent.fd(), name, dir) == 0 && dir, name == "made") << name;
     }
 }
