@@ -101,8 +101,8 @@ int Batch::move(const std::string& path) {
             const OwnerHandover::Outcome given =
                 OwnerHandover::handOver(folder, target, user_.uid, user_.gid, HelperStop::requested);
             const std::string shown = Text::escapedForTerminal(path);
-            if (given.keptSpecialFiles)
-                writeAll(logFd_, "moved; its device files, and root's pipes and sockets, stay root's: " +
+            if (given.leftToRoot)
+                writeAll(logFd_, "moved; its device files, and root's pipes and sockets, keep their owner: " +
                                      shown + "\n");
             if (given.error != 0)
                 writeAll(logFd_, "moved, but not all of it could be given to the user: " +

@@ -56,7 +56,7 @@ private:
     std::vector<Frame> stack_;
     size_t openStreams_ = 0;
     bool aborted_ = false;
-    bool keptSpecialFiles_ = false;
+    bool leftToRoot_ = false;
     int error_ = 0;
 };
 
@@ -74,7 +74,7 @@ void Walk::giveEntry(int dirFd, const char* name) {
         note(errno);
     else if (S_ISBLK(st.st_mode) || S_ISCHR(st.st_mode) ||
              ((S_ISFIFO(st.st_mode) || S_ISSOCK(st.st_mode)) && st.st_uid == 0))
-        keptSpecialFiles_ = true;
+        leftToRoot_ = true;
     else if (!S_ISDIR(st.st_mode) && st.st_nlink > 1)
         note(EMLINK);
     else if (::fchownat(fd, "", uid_, gid_, AT_EMPTY_PATH) != 0)
@@ -178,7 +178,7 @@ Outcome Walk::run(int parentFd, const std::string& name) {
     enter(parentFd, name.c_str());
     while (!stack_.empty() && !aborted_) {
         if (stop_ && stop_())
-            return {ECANCELED, keptSpecialFiles_};
+            return {ECANCELED, leftToRoot_};
         Frame& top = stack_.back();
         errno = 0;
         const dirent* entry = ::readdir(top.stream);
@@ -196,7 +196,7 @@ Outcome Walk::run(int parentFd, const std::string& name) {
         else
             giveEntry(::dirfd(top.stream), entry->d_name);
     }
-    return {error_, keptSpecialFiles_};
+    return {error_, leftToRoot_};
 }
 
 } // namespace

@@ -10,8 +10,8 @@
 namespace OwnerHandover {
 
 struct Outcome {
-    int error = 0;                 // the first errno met, ECANCELED when stopped; 0 when none
-    bool keptSpecialFiles = false; // device files, or pipes and sockets of root's, stayed as they were
+    int error = 0;           // the first errno met, ECANCELED when stopped; 0 when none
+    bool leftToRoot = false; // device files, or pipes and sockets of root's, stayed as they were
 };
 
 // Gives `name` inside `parentFd` and, for a folder, everything below it to uid:gid,
