@@ -6,10 +6,14 @@
 #include "catalogue/CleanupRules.h"
 
 #include "CatalogueHome.h"
+#include "catalogue/ProtectedPaths.h"
+#include "platform/Environment.h"
+#include "support/ForkedChild.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <tuple>
 #include <variant>
 #include <vector>
@@ -101,4 +105,17 @@ TEST(CleanupRules, CommandsRunExactlyTheseTexts) {
                              "for d in $(tmutil listlocalsnapshotdates / | grep -E '^[0-9]'); do tmutil "
                              "deletelocalsnapshots \"$d\"; done",
                              true}}));
+}
+
+TEST(CleanupRules, AHomeOfTheRootFolderProtectsItsFoldersThere) {
+    const int status = runInChild([] {
+        ::setenv("HOME", "/", 1);
+        if (Environment::homeFolder() != "/")
+            return kChildCannotSetUp;
+        // One of the rule table's and one of the Linux ones.
+        return ProtectedPaths::contains("/.cache") && ProtectedPaths::contains("/.local/share/Trash") ? 0 : 1;
+    });
+    if (status == kChildCannotSetUp)
+        GTEST_SKIP() << "the home folder was read earlier in this process; run this test on its own";
+    EXPECT_EQ(status, 0);
 }

@@ -8,6 +8,7 @@
 
 #include "CleanerFixtures.h"
 #include "platform/Paths.h"
+#include "platform/ShellQuote.h"
 #include "platform/Text.h"
 #include "removal/AdminBatchScript.h"
 #include "removal/WorkList.h"
@@ -19,14 +20,20 @@
 
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <functional>
 #include <linux/fs.h>
 #include <map>
+#include <poll.h>
+#include <pwd.h>
 #include <set>
 #include <sstream>
+#include <sys/fanotify.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -133,8 +140,8 @@ const std::vector<Scenario>& scenarios() {
              return arming.bind(dir + "/outside/x", dir + "/a/mnt") &&
                     arming.bind(dir + "/outside/x", dir + "/b/mnt");
          },
-         {{"i0", true}, {"i1", false}},
-         stampName},
+         {{"i0", false}, {"i1", false}},
+         ""},
         {"MountOverTheTrash",
          {"outside/y/file", "c"},
          [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/c")}; },
@@ -353,3 +360,119 @@ INSTANTIATE_TEST_SUITE_P(Trees, HelperHostileTest, ::testing::Range<size_t>(0, s
                          [](const ::testing::TestParamInfo<size_t>& param) {
                              return std::string(scenarios()[param.param].name);
                          });
+
+namespace {
+
+// The helper as root for the user, on trees of each test's own.
+class HelperAsRootTest : public HelperHostileTest {};
+
+// Holds whoever opens `folder` to read it until released, as a slow disk would hold a
+// walk that reaches it: a fanotify permission event. Closing lets everything through.
+struct OpenGate {
+    explicit OpenGate(const std::string& folder)
+        : armed(fd >= 0 &&
+                ::fanotify_mark(fd, FAN_MARK_ADD, FAN_OPEN_PERM | FAN_ONDIR, AT_FDCWD, folder.c_str()) == 0) {
+    }
+    ~OpenGate() { ::close(fd); }
+    // The process held, or -1 when none came within a minute.
+    pid_t awaitOpener() {
+        pollfd watched{fd, POLLIN, 0};
+        const bool came =
+            ::poll(&watched, 1, 60'000) == 1 && ::read(fd, &event, sizeof event) == sizeof event;
+        return came ? event.pid : -1;
+    }
+    void release() {
+        const fanotify_response allow{event.fd, FAN_ALLOW};
+        [[maybe_unused]] const ssize_t written = ::write(fd, &allow, sizeof allow);
+        ::close(event.fd);
+    }
+    const int fd = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_CLOEXEC);
+    const bool armed;
+    fanotify_event_metadata event{0, 0, 0, 0, 0, -1, 0};
+};
+
+} // namespace
+
+TEST_F(HelperAsRootTest, CommandsGetRootsOwnEnvironmentNotTheUsersFolders) {
+    const std::string file = area + "/environment";
+    const Outcome outcome = runHelper({step(Kind::command, "i0", "env > " + shellQuote(file))}, false);
+    const std::string environment = "\n" + readFile(file);
+    EXPECT_EQ(environment.find(home.tree().root()), std::string::npos) << environment << outcome.log;
+    EXPECT_NE(environment.find("\nHOME=" + std::string(::getpwuid(0)->pw_dir) + "\n"), std::string::npos);
+}
+
+// Entries directly in the shared temporary folders are taken only as the user's own,
+// whatever the depth rule would let through.
+TEST_F(HelperAsRootTest, OnlyTheUsersOwnEntriesDirectlyInTemporaryFoldersAreTaken) {
+    resetTrash();
+    std::vector<WorkList::Step> steps;
+    std::map<std::string, bool> expected;
+    for (const auto& [folder, users] : {std::pair{"/tmp", false}, {"/tmp", true}, {"/var/tmp", false}}) {
+        std::string path = std::string(folder) + "/veltro-owner-XXXXXX";
+        ASSERT_NE(::mkdtemp(path.data()), nullptr) << folder;
+        std::ofstream(path + "/inside") << "i";
+        chownTree(path, users ? unprivilegedUid() : 0, users ? unprivilegedGid() : 0);
+        steps.push_back(step(users ? Kind::move : Kind::remove, "i" + std::to_string(steps.size()), path));
+        expected[steps.back().key] = users;
+    }
+    const Outcome outcome = runHelper(steps, false);
+    EXPECT_EQ(outcome.answers, expected) << outcome.log;
+    for (const WorkList::Step& taken : steps) {
+        EXPECT_EQ(exists(taken.payload + "/inside"), !expected[taken.key]) << taken.payload;
+        removeTreeForcefully(taken.payload);
+    }
+}
+
+// Told to stop in the middle of a folder, the helper leaves the rest of it: a deletion
+// keeps what it has not reached, a move keeps it root's (in a dated folder that stays
+// root's until then), and no step after it runs (no answer for it).
+TEST_F(HelperAsRootTest, AStopEndsTheDeletionOrHandOverWalkWhereItIs) {
+    const std::string dated = trashOf(home) + "/files/" + stampName;
+    for (const std::string name : {"deleted", "moved"}) {
+        resetTrash();
+        const std::string item = areaDir(name), next = areaFile("next", "n");
+        areaFile(name + "/held/inside", "i");
+        OpenGate gate(item + "/held");
+        if (!gate.armed)
+            GTEST_SKIP() << "fanotify permission events are not available here";
+        const Kind kind = name == "moved" ? Kind::move : Kind::remove;
+        Outcome outcome;
+        std::thread run([&] {
+            outcome = runHelper({step(kind, "i0", item), step(Kind::remove, "i1", next)}, false);
+        });
+        const pid_t helper = gate.awaitOpener();
+        EXPECT_GT(helper, 0) << name << ": the walk never reached the folder";
+        if (kind == Kind::move) {
+            EXPECT_EQ(statOf(dated).st_uid, 0u) << "the user could swap what is handed over";
+        }
+        if (helper > 0)
+            ::kill(helper, SIGTERM);
+        gate.release();
+        run.join();
+
+        const std::string now = kind == Kind::move ? dated + "/moved" : item;
+        EXPECT_EQ(outcome.answers, (std::map<std::string, bool>{{"i0", kind == Kind::move}})) << outcome.log;
+        EXPECT_EQ(readFile(now + "/held/inside"), "i") << name;
+        if (kind == Kind::move) {
+            EXPECT_EQ(statOf(now).st_uid, 0u) << "handed over after the stop";
+            EXPECT_EQ(statOf(dated).st_uid, unprivilegedUid());
+        }
+    }
+}
+
+TEST_F(HelperAsRootTest, DeviceFilesAndRootsPipesStayRootsWhenMoved) {
+    resetTrash();
+    const std::string item = areaDir("specials");
+    areaFile("specials/plain", "p");
+    for (const auto& [name, mode] : {std::pair{"/null", S_IFCHR}, {"/loop", S_IFBLK}, {"/pipe", S_IFIFO}})
+        if (::mknod((item + name).c_str(), mode | 0600, makedev(7, 0)) != 0)
+            GTEST_SKIP() << "device files cannot be made here: " << std::strerror(errno);
+
+    const Outcome outcome = runHelper({step(Kind::move, "i0", item)}, false);
+    EXPECT_NE(outcome.log.find("device files"), std::string::npos) << outcome.log;
+    const std::string moved = trashOf(home) + "/files/" + stampName + "/specials";
+    for (const char* name : {"/null", "/loop", "/pipe", "/plain", ""})
+        EXPECT_EQ(statOf(moved + name).st_uid,
+                  *name && name != std::string("/plain") ? 0u : unprivilegedUid())
+            << name;
+}

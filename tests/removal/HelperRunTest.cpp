@@ -184,3 +184,22 @@ TEST_F(HelperRunTest, StopsWithWhatItStartedWhenTheUserProcessQuitsDiesOrGivesUp
     EXPECT_EQ(Privileged::runHelper({WorkList::runMode, WorkList::encodeRun("true"), "Prompt", 10}).status,
               -1);
 }
+
+// A run that ignores the stop (as a root helper we may not signal could) holds quitting
+// only as long as its patience.
+TEST_F(HelperRunTest, QuittingGivesUpOnARunThatDoesNotEnd) {
+    const std::string marker = area + "/pid";
+    const std::string stubborn = "trap '' TERM; echo $$ > " + shellQuote(marker + ".part") + " && mv " +
+                                 shellQuote(marker + ".part") + " " + shellQuote(marker) +
+                                 " && exec sleep 600";
+    const ScopedAuthorizationTool tool([&](const Privileged::Launch& launch) {
+        return Privileged::runProcess({"/bin/sh", "-c", stubborn}, launch);
+    });
+    Shell::Output output;
+    std::thread run([&] { output = Privileged::run("true", "Prompt", 600); });
+    ASSERT_TRUE(eventually([&] { return exists(marker); }));
+    EXPECT_FALSE(Privileged::endAll(std::chrono::milliseconds(50)));
+    ::kill(-std::stoi(readFile(marker)), SIGKILL);
+    run.join();
+    EXPECT_EQ(output.status, 128 + SIGKILL);
+}

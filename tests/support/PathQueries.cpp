@@ -49,8 +49,12 @@ std::string readFile(const std::string& path) {
 
 struct stat statOf(const std::string& path) {
     struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0)
+    if (::lstat(path.c_str(), &st) != 0) {
+        // An absent path must not pass for root's.
         st = {};
+        st.st_uid = static_cast<uid_t>(-1);
+        st.st_gid = static_cast<gid_t>(-1);
+    }
     return st;
 }
 
