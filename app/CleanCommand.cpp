@@ -1,5 +1,7 @@
 #include "app/CleanCommand.h"
 
+#include "app/CountedText.h"
+
 #include "app/CleanReport.h"
 #include "app/HeadlessRun.h"
 #include "app/ScanSettings.h"
@@ -57,9 +59,7 @@ std::vector<std::string> itemArguments(const QStringList& parsed, const std::vec
 }
 
 bool askToProceed(size_t count) {
-    QTextStream(stdout) << QString::fromStdString(
-                               localizedFormat("Clean %1 items? [y/N] ", {std::to_string(count)}))
-                        << Qt::flush;
+    QTextStream(stdout) << countedText("Clean %Ln items? [y/N] ", count) << Qt::flush;
     std::string answer;
     if (!std::getline(std::cin, answer))
         return false;

@@ -1,5 +1,6 @@
 #include "app/CleanReport.h"
 
+#include "app/CountedText.h"
 #include "app/ScanReport.h"
 #include "model/ItemKey.h"
 #include "platform/ByteCount.h"
@@ -15,21 +16,24 @@ QString q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-// A sentence with a count, in the plural form the count needs.
-QString counted(const char* key, size_t count) {
-    return QCoreApplication::translate("Veltro", key, nullptr, static_cast<int>(count));
-}
-
-QString rowText(const std::string& title, const std::vector<ScanItem>& items) {
+QString rowText(const std::string& title, const CleanPlan::Items& items) {
     return QStringLiteral("  %1  %2")
         .arg(q(title).leftJustified(46, u' '))
-        .arg(counted("%Ln items · %1", items.size()).arg(q(formatByteCount(ScanResults::totalSize(items)))));
+        .arg(countedText("%Ln items · %1", items.size())
+                 .arg(q(formatByteCount(ScanResults::totalSize(items)))));
 }
 
 QJsonArray itemsJson(const std::vector<ScanItem>& items) {
     QJsonArray array;
     for (const ScanItem& item : items)
         array.append(ScanReport::itemJson(item));
+    return array;
+}
+
+QJsonArray itemsJson(const CleanPlan::Items& items) {
+    QJsonArray array;
+    for (const ScanItem* item : items)
+        array.append(ScanReport::itemJson(*item));
     return array;
 }
 
@@ -45,28 +49,28 @@ QString summary(const AppModel& model) {
     if (!model.cleanScope().isEmpty())
         if (const auto category = model.category(model.cleanScope()))
             s << q(category->title) << "\n";
-    s << counted("Clean %Ln Items", items.size()) << " — "
+    s << countedText("Clean %Ln Items", items.size()) << " — "
       << q(localizedFormat("About %1 in total", {formatByteCount(model.itemsToCleanTotal())})) << "\n";
     s << rowText(localized("Move to Trash (recoverable)"), plan.toTrash) << "\n";
     s << rowText(localized("Delete permanently (items already in Trash)"), plan.permanent) << "\n";
     if (!plan.commands.empty()) {
         QStringList names;
-        for (const ScanItem& item : plan.commands)
-            names << ScanReport::shownText(item.name);
+        for (const ScanItem* item : plan.commands)
+            names << ScanReport::shownText(item->name);
         s << "  " << q(localized("Run commands: ")) << names.join(QStringLiteral(", ")) << "\n";
     }
     if (!plan.needsAdmin.empty())
         s << "  ! "
-          << counted("%Ln system items — macOS will ask for an administrator password once",
-                     plan.needsAdmin.size())
+          << countedText("%Ln system items — macOS will ask for an administrator password once",
+                         plan.needsAdmin.size())
           << "\n";
     if (!plan.largeFiles.empty())
         s << "  ! "
-          << counted("%Ln large files selected — make sure you don't need them", plan.largeFiles.size())
+          << countedText("%Ln large files selected — make sure you don't need them", plan.largeFiles.size())
           << "\n";
     if (!plan.review.empty())
         s << "  ! "
-          << counted("%Ln items from review categories (Downloads/Backups/Archives)", plan.review.size())
+          << countedText("%Ln items from review categories (Downloads/Backups/Archives)", plan.review.size())
           << "\n";
     return out;
 }
@@ -77,7 +81,7 @@ QString result(const AppModel& model) {
         return {};
     QString out;
     QTextStream s(&out);
-    s << counted("Cleaned %Ln Items", r->succeeded.size()) << "\n";
+    s << countedText("Cleaned %Ln Items", r->succeeded.size()) << "\n";
     s << q(localizedFormat("%1 moved to Trash · %2 deleted",
                            {formatByteCount(r->movedToTrashBytes), formatByteCount(r->deletedBytes)}))
       << "\n";
@@ -85,7 +89,7 @@ QString result(const AppModel& model) {
                                                       formatByteCount(r->freeAfter - r->freeBefore)}))
       << "\n";
     if (!r->failures.empty()) {
-        s << "\n" << counted("%Ln Items Could Not Be Cleaned", r->failures.size()) << "\n";
+        s << "\n" << countedText("%Ln Items Could Not Be Cleaned", r->failures.size()) << "\n";
         for (const CleanFailure& failure : r->failures) {
             const std::string& where = failure.item.url ? *failure.item.url : failure.item.location();
             s << "  " << ScanReport::shownText(failure.item.name) << "\n"

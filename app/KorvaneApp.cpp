@@ -80,7 +80,8 @@ int KorvaneApp::run(int argc, char* argv[]) {
         status = 1;
     if (model.hasRunningWork()) {
         // A helper working as root outlives us unless told: it stops at its next safe
-        // point and ends what it started, and we wait for that.
+        // point and ends what it started, and we wait for that, but not for ever (its
+        // closed input still tells it once we are gone).
         Privileged::endAll();
         // A scan winding down (or a clean) would hold the exit until it returns; nothing
         // is kept between runs, so leave at once.

@@ -1,5 +1,7 @@
 #include "app/ScanReport.h"
 
+#include "app/CountedText.h"
+
 #include "model/ItemKey.h"
 #include "platform/ByteCount.h"
 #include "platform/Localized.h"
@@ -11,6 +13,7 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <string_view>
 #include <unordered_set>
 
 namespace {
@@ -25,6 +28,66 @@ QString sizeText(int64_t bytes) {
 
 QString padRight(const QString& text, int width) {
     return text.leftJustified(width, u' ', false);
+}
+
+// True when every byte is printable ASCII: such a text is written as it is, with
+// only quotes and backslashes escaped, exactly as QJsonDocument writes it.
+bool isPlainAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+}
+
+void appendQuoted(std::string& out, std::string_view text) {
+    out += '"';
+    for (const char c : text) {
+        if (c == '"' || c == '\\')
+            out += '\\';
+        out += c;
+    }
+    out += '"';
+}
+
+void appendQuotedOrNull(std::string& out, const std::optional<std::string>& text) {
+    if (text)
+        appendQuoted(out, *text);
+    else
+        out += "null";
+}
+
+// The common item, written without building a QJsonObject and a document per item
+// (which cost more than the rest of the report); anything else is left to itemJson.
+bool appendPlainItem(std::string& out, const ScanItem& item) {
+    const bool plain = isPlainAscii(item.id) && isPlainAscii(item.name) &&
+                       (!item.url || isPlainAscii(*item.url)) && (!item.note || isPlainAscii(*item.note)) &&
+                       isPlainAscii(item.method.command);
+    if (!plain)
+        return false;
+    // Keys in QJsonObject's (sorted) order.
+    out += "{\"admin\":";
+    out += item.method.admin ? "true" : "false";
+    out += ",\"command\":";
+    if (item.method.isCommand())
+        appendQuoted(out, item.method.command);
+    else
+        out += "null";
+    out += ",\"id\":";
+    appendQuoted(out, item.id);
+    out += ",\"method\":";
+    appendQuoted(out, item.method.name());
+    out += ",\"modified\":";
+    if (item.modified)
+        appendQuoted(out, Dates::iso8601(*item.modified));
+    else
+        out += "null";
+    out += ",\"name\":";
+    appendQuoted(out, item.name);
+    out += ",\"note\":";
+    appendQuotedOrNull(out, item.note);
+    out += ",\"path\":";
+    appendQuotedOrNull(out, item.url);
+    out += ",\"size\":";
+    out += item.size ? std::to_string(*item.size) : std::string("null");
+    out += '}';
+    return true;
 }
 
 } // namespace
@@ -83,16 +146,20 @@ void writeJson(const AppModel& model, const SearchedPlaces::PerCategory& searche
             put(",");
         firstCategory = false;
         put(shell.left(at));
-        if (const auto found = model.itemsByCategory().find(category.id);
-            found != model.itemsByCategory().end()) {
-            bool firstItem = true;
-            for (const ScanItem& item : found->second) {
-                if (!firstItem)
-                    put(",");
-                firstItem = false;
-                put(compact(itemJson(item)));
+        std::string text;
+        bool firstItem = true;
+        for (const ScanItem& item : model.itemsOf(category.id)) {
+            if (!firstItem)
+                text += ',';
+            firstItem = false;
+            if (!appendPlainItem(text, item))
+                text += compact(itemJson(item)).toStdString();
+            if (text.size() > 64 * 1024) {
+                std::fwrite(text.data(), 1, text.size(), out);
+                text.clear();
             }
         }
+        std::fwrite(text.data(), 1, text.size(), out);
         put(shell.mid(at));
     }
     put("],");
@@ -123,8 +190,7 @@ QString text(const AppModel& model, const SearchedPlaces::PerCategory& searched,
             const int count = model.itemCountOf(id);
             stream << "  " << padRight(QString::fromStdString(category.title), 44) << " "
                    << (count > 0 ? sizeText(model.totalSize(id)) : QStringLiteral("—")).rightJustified(10)
-                   << "  " << QString::fromStdString(localizedFormat("%1 items", {std::to_string(count)}))
-                   << "\n";
+                   << "  " << countedText("%Ln items", static_cast<size_t>(count)) << "\n";
         }
     }
     // Only the first few are printed: pick them without copying or sorting every item.

@@ -1,5 +1,7 @@
 #include "app/SystemDataPrintout.h"
 
+#include "app/CountedText.h"
+
 #include "model/ItemKey.h"
 #include "platform/ByteCount.h"
 #include "platform/Localized.h"
@@ -26,8 +28,7 @@ std::optional<int64_t> sizeOf(const AppModel& model, const std::string& id) {
 QString sizeText(const AppModel& model, const SystemDataEntry& entry) {
     if (entry.id == "tm") {
         const int count = model.systemSnapshotCount();
-        return count == 0 ? q(localized("None"))
-                          : QCoreApplication::translate("Veltro", "%Ln snapshots", nullptr, count);
+        return count == 0 ? q(localized("None")) : countedText("%Ln snapshots", static_cast<size_t>(count));
     }
     const std::optional<int64_t> size = sizeOf(model, entry.id);
     return size ? q(formatByteCount(*size)) : QStringLiteral("—");

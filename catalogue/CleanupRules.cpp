@@ -3,6 +3,7 @@
 #include "catalogue/CacheFolderNames.h"
 #include "platform/Environment.h"
 #include "platform/Localized.h"
+#include "platform/Paths.h"
 
 #include <array>
 #include <string_view>
@@ -288,7 +289,8 @@ std::set<std::string> buildProtectedPaths() {
          {"Library", "Library/Caches", "Library/Logs", "Library/Application Support", "Library/Containers",
           "Library/Developer", "Desktop", "Documents", "Downloads", "Movies", "Music", "Pictures", "Public",
           ".Trash", "Applications", ".cache"})
-        paths.insert(home + "/" + std::string(relative));
+        // Joined, so that a home of "/" protects "/.cache" rather than "//.cache".
+        paths.insert(Paths::standardizedPath(Paths::join(home, relative)));
     return paths;
 }
 

@@ -3,6 +3,7 @@
 #include "catalogue/CacheFolderNames.h"
 #include "catalogue/CleanupRules.h"
 #include "platform/Environment.h"
+#include "platform/Paths.h"
 #include "platform/XdgFolders.h"
 
 #include <algorithm>
@@ -175,7 +176,7 @@ const std::set<std::string>& protectedPaths() {
                                   "/lib", "/lib64", "/snap",      "/usr/local"};
         const std::string& home = Environment::homeFolder();
         for (std::string_view folder : protectedHomeFolders)
-            all.insert(home + "/" + std::string(folder));
+            all.insert(Paths::standardizedPath(Paths::join(home, folder)));
         return all;
     }();
     return paths;

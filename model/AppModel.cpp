@@ -122,7 +122,12 @@ qint64 AppModel::foundTotal() const {
 }
 
 qint64 AppModel::selectedTotal() const {
-    return ScanResults::totalSize(selectedItems());
+    qint64 sum = 0;
+    if (!selection_.empty())
+        for (const ScanItem& item : items_)
+            if (selection_.contains(item.id))
+                sum += item.size.value_or(0);
+    return sum;
 }
 
 QStringList AppModel::extraRootPaths() const {

@@ -124,6 +124,9 @@ public:
     double cleanProgress() const { return cleanProgress_; }
     const ScanItems& items() const { return items_; }
     const ItemsByCategory& itemsByCategory() const { return itemsByCategory_; }
+    // Changes whenever `items` changes other than by new items at its end, so that
+    // positions into it taken earlier are no longer valid.
+    uint64_t itemsVersion() const { return itemsVersion_; }
     const ItemIDs& selection() const { return selection_; }
     double largeThresholdGB() const { return largeThresholdGB_; }
     void setLargeThresholdGB(double gigabytes);
@@ -186,6 +189,8 @@ public:
     ScanItems itemsToClean() const;
     qint64 itemsToCleanTotal() const;
     const ScanItem* findItem(const std::string& id) const;
+    // A category's items in display order; none for an unknown id.
+    CategoryItems itemsOf(const std::string& categoryID) const;
 
     void setSelected(const std::string& id, bool on);
     Q_INVOKABLE void setAll(const QString& categoryID, bool on);
@@ -301,10 +306,10 @@ private:
     // For a field changed in place (too large to copy for a comparison).
     void announce(Changes& changes, Signal signal);
 
-    void handle(uint64_t scan, const ScanEvent& event);
-    void finishScan(uint64_t scan, ScanItems found, const ItemIDs& keeping);
+    void handle(uint64_t scan, ScanEvent event);
+    void finishScan(uint64_t scan, const ItemIDs& keeping);
     void applyCleanResult(CleanResult result);
-    void applyPurge(int64_t freed, int failed);
+    void applyPurge(uint64_t resultNumber, int64_t freed, int failed);
     void deliverSystemEntry(uint64_t analysis, const std::string& id, int64_t value);
     void finishSystemAnalysis(uint64_t analysis, std::optional<SystemDataReport> report,
                               std::optional<std::string> message);
@@ -347,11 +352,13 @@ private:
     bool systemSnapshotsMeasured_ = false;
     std::map<std::string, std::string> systemUnavailable_; // as last looked at
 
+    uint64_t itemsVersion_ = 0;
     uint64_t scanTask_ = 0;       // worker id of the running scan, 0 when none
     uint64_t activeScan_ = 0;     // the scan whose events are applied, 0 when none
     uint64_t activeAnalysis_ = 0; // likewise for System Data deliveries
     uint64_t nextOperation_ = 1;
-    bool purging_ = false;
+    uint64_t resultNumber_ = 0;  // counts the cleans applied; names lastResult_
+    uint64_t purgingResult_ = 0; // the result a running purge started from, 0 when none
     FolderChooser folderChooser_;
     std::list<Worker> workers_;
 

@@ -17,17 +17,21 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <memory>
 
 void AppModel::requestClean(const QString& categoryID) {
     {
         Changes changes(*this);
         change(changes, cleanScope_, categoryID, &AppModel::cleanScopeChanged);
     }
-    if (itemsToClean().empty())
-        return;
     if (phase_ == Phase::scanning || phase_ == Phase::cleaning)
         return;
-    setShowConfirm(true);
+    // Whether anything is ticked, without copying what is.
+    const auto ticked = [this](const ScanItem& item) { return selection_.contains(item.id); };
+    const bool any = cleanScope_.isEmpty() ? std::any_of(items_.begin(), items_.end(), ticked)
+                                           : std::ranges::any_of(itemsOf(cleanScope_.toStdString()), ticked);
+    if (any)
+        setShowConfirm(true);
 }
 
 void AppModel::clean() {
@@ -48,25 +52,33 @@ void AppModel::clean() {
                              &AppModel::statusTextChanged);
             });
         });
-        toMain([result = std::move(result)](AppModel& model) mutable {
-            model.applyCleanResult(std::move(result));
-        });
+        auto shared = std::make_shared<CleanResult>(std::move(result));
+        toMain([shared](AppModel& model) { model.applyCleanResult(std::move(*shared)); });
     });
 }
 
 void AppModel::applyCleanResult(CleanResult result) {
     Changes changes(*this);
+    // In place and by hash: removing many succeeded items costs their number, not
+    // their number times the list's length.
     ItemIDs removed;
+    removed.reserve(result.succeeded.size());
     for (const ScanItem& item : result.succeeded)
         removed.insert(item.id);
-    ScanItems remaining = ScanResults::without(items_, removed);
-    change(changes, itemsByCategory_, ScanResults::groupedByCategory(remaining),
-           &AppModel::itemsByCategoryChanged);
-    change(changes, items_, std::move(remaining), &AppModel::itemsChanged);
-    ItemIDs selection = selection_;
+    const size_t before = items_.size();
+    items_ = ScanResults::without(std::move(items_), removed);
+    if (items_.size() != before) {
+        ++itemsVersion_;
+        announce(changes, &AppModel::itemsChanged);
+        itemsByCategory_ = ScanResults::groupedByCategory(items_);
+        announce(changes, &AppModel::itemsByCategoryChanged);
+    }
+    const size_t selected = selection_.size();
     for (const std::string& id : removed)
-        selection.erase(id);
-    change(changes, selection_, std::move(selection), &AppModel::selectionChanged);
+        selection_.erase(id);
+    if (selection_.size() != selected)
+        announce(changes, &AppModel::selectionChanged);
+    ++resultNumber_;
     change(changes, lastResult_, OptionalCleanResult(std::move(result)), &AppModel::lastResultChanged);
     change(changes, purgeMessage_, QString(), &AppModel::purgeMessageChanged);
     change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
@@ -76,24 +88,30 @@ void AppModel::applyCleanResult(CleanResult result) {
 }
 
 void AppModel::purgeLastTrashed() {
-    if (!lastResult_ || lastResult_->trashedURLs.empty() || purging_)
+    if (!lastResult_ || lastResult_->trashedURLs.empty() || purgingResult_ == resultNumber_)
         return;
-    purging_ = true;
-    startWorker([paths = lastResult_->trashedURLs](std::stop_token, const MainThreadCall& toMain) {
-        const Cleaner::PurgeResult purged = Cleaner::purge(paths);
-        toMain([purged](AppModel& model) { model.applyPurge(purged.freed, purged.failed); });
-    });
+    // The purge belongs to the result it started from: a newer clean's list and sheet
+    // are not its to change, however late it ends.
+    const uint64_t resultNumber = purgingResult_ = resultNumber_;
+    startWorker(
+        [paths = lastResult_->trashedURLs, resultNumber](std::stop_token, const MainThreadCall& toMain) {
+            const Cleaner::PurgeResult purged = Cleaner::purge(paths);
+            toMain([purged, resultNumber](AppModel& model) {
+                model.applyPurge(resultNumber, purged.freed, purged.failed);
+            });
+        });
 }
 
-void AppModel::applyPurge(int64_t freed, int failed) {
-    purging_ = false;
+void AppModel::applyPurge(uint64_t resultNumber, int64_t freed, int failed) {
+    if (purgingResult_ == resultNumber)
+        purgingResult_ = 0;
     Changes changes(*this);
-    if (lastResult_) {
+    if (lastResult_ && resultNumber == resultNumber_) {
         OptionalCleanResult result = lastResult_;
         result->trashedURLs.clear();
         change(changes, lastResult_, std::move(result), &AppModel::lastResultChanged);
+        change(changes, purgeMessage_, purgeText(freed, failed), &AppModel::purgeMessageChanged);
     }
-    change(changes, purgeMessage_, purgeText(freed, failed), &AppModel::purgeMessageChanged);
     change(changes, disk_, DiskInfo::current(), &AppModel::diskChanged);
 }
 

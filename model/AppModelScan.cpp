@@ -10,6 +10,8 @@
 
 #include <cmath>
 #include <limits>
+#include <memory>
+#include <numeric>
 
 int64_t AppModel::largeFileThreshold() const {
     // Gigabytes are binary here (2^30). Out-of-range settings clamp rather than wrap.
@@ -33,6 +35,7 @@ void AppModel::scan() {
     change(changes, statusText_, QString::fromStdString(localized("Starting scan…")),
            &AppModel::statusTextChanged);
     const ItemIDs keeping = selection_;
+    ++itemsVersion_;
     change(changes, items_, ScanItems{}, &AppModel::itemsChanged);
     change(changes, itemsByCategory_, ItemsByCategory{}, &AppModel::itemsByCategoryChanged);
     change(changes, categoryState_, CategoryStates{}, &AppModel::categoryStateChanged);
@@ -48,20 +51,23 @@ void AppModel::scan() {
 
     const uint64_t scanID = nextOperation_;
     scanTask_ = startWorker([options, keeping, scanID](std::stop_token stop, const MainThreadCall& toMain) {
-        ScanEventSink events = [&toMain, scanID](const ScanEvent& event) {
-            toMain([scanID, event](AppModel& model) { model.handle(scanID, event); });
-        };
-        ScanItems found = JunkScanner::scan(options, events, stop);
+        // Every item reaches the model in its category's event, handed over whole.
+        JunkScanner::scanHandingOver(
+            options,
+            [&toMain, scanID](ScanEvent&& event) {
+                // Shared, so that handing the call over copies a pointer and not the items.
+                auto shared = std::make_shared<ScanEvent>(std::move(event));
+                toMain([scanID, shared](AppModel& model) { model.handle(scanID, std::move(*shared)); });
+            },
+            stop);
         if (stop.stop_requested())
             return;
-        toMain([scanID, found = std::move(found), keeping](AppModel& model) mutable {
-            model.finishScan(scanID, std::move(found), keeping);
-        });
+        toMain([scanID, keeping](AppModel& model) { model.finishScan(scanID, keeping); });
     });
     activeScan_ = scanID;
 }
 
-void AppModel::handle(uint64_t scanID, const ScanEvent& event) {
+void AppModel::handle(uint64_t scanID, ScanEvent event) {
     if (scanID != activeScan_ || phase_ != Phase::scanning)
         return;
     Changes changes(*this);
@@ -72,42 +78,51 @@ void AppModel::handle(uint64_t scanID, const ScanEvent& event) {
                &AppModel::scanningCategoryChanged);
         change(changes, scanStep_, started->step, &AppModel::scanStepChanged);
         change(changes, scanStepCount_, started->of, &AppModel::scanStepCountChanged);
-        CategoryStates states = categoryState_;
-        states[started->id] = CategoryScanState::scanning;
-        change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
-    } else if (const auto* finished = std::get_if<ScanEvent::CategoryFinished>(&event.value)) {
-        // In place: copying everything found so far at each category would cost the
-        // item count times the category count.
+        if (categoryState_[started->id] != CategoryScanState::scanning) {
+            categoryState_[started->id] = CategoryScanState::scanning;
+            announce(changes, &AppModel::categoryStateChanged);
+        }
+    } else if (auto* finished = std::get_if<ScanEvent::CategoryFinished>(&event.value)) {
+        // In place and moved: the items are held once, however many categories follow.
         if (!finished->items.empty()) {
-            items_.insert(items_.end(), finished->items.begin(), finished->items.end());
+            ItemPositions positions(finished->items.size());
+            std::iota(positions.begin(), positions.end(), static_cast<uint32_t>(items_.size()));
+            // Room made to measure: growth by doubling would hold twice the items.
+            if (items_.empty()) {
+                items_ = std::move(finished->items);
+            } else {
+                items_.reserve(items_.size() + finished->items.size());
+                items_.insert(items_.end(), std::make_move_iterator(finished->items.begin()),
+                              std::make_move_iterator(finished->items.end()));
+            }
             announce(changes, &AppModel::itemsChanged);
-            itemsByCategory_[finished->id] = ScanResults::sortedForDisplay(finished->items);
+            ScanResults::sortForDisplay(items_, positions);
+            itemsByCategory_[finished->id] = std::move(positions);
             announce(changes, &AppModel::itemsByCategoryChanged);
         } else if (itemsByCategory_.erase(finished->id)) {
             announce(changes, &AppModel::itemsByCategoryChanged);
         }
-        CategoryStates states = categoryState_;
-        states[finished->id] = CategoryScanState::done;
-        change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
+        if (categoryState_[finished->id] != CategoryScanState::done) {
+            categoryState_[finished->id] = CategoryScanState::done;
+            announce(changes, &AppModel::categoryStateChanged);
+        }
     } else if (const auto* progress = std::get_if<ScanEvent::Progress>(&event.value)) {
         change(changes, scanProgress_, std::max(scanProgress_, progress->value),
                &AppModel::scanProgressChanged);
     }
 }
 
-void AppModel::finishScan(uint64_t scanID, ScanItems found, const ItemIDs& keeping) {
+void AppModel::finishScan(uint64_t scanID, const ItemIDs& keeping) {
     if (scanID != activeScan_ || phase_ != Phase::scanning)
         return;
     activeScan_ = 0;
     scanTask_ = 0;
     Changes changes(*this);
+    // Every item arrived with its category, in the scanner's order, sorted in place.
     ItemIDs kept;
-    for (const ScanItem& item : found)
+    for (const ScanItem& item : items_)
         if (keeping.contains(item.id))
             kept.insert(item.id);
-    change(changes, itemsByCategory_, ScanResults::groupedByCategory(found),
-           &AppModel::itemsByCategoryChanged);
-    change(changes, items_, std::move(found), &AppModel::itemsChanged);
     CategoryStates states = categoryState_;
     for (const CleanCategory& category : categories())
         states[category.id] = CategoryScanState::done;
@@ -132,12 +147,10 @@ void AppModel::cancelScan() {
         if (state == CategoryScanState::scanning)
             state = CategoryScanState::pending;
     change(changes, categoryState_, std::move(states), &AppModel::categoryStateChanged);
-    // Only a running scan changes phase and date: a stop outside one must not, say,
-    // end a clean's phase.
-    if (phase_ == Phase::scanning) {
-        change(changes, phase_, items_.empty() ? Phase::idle : Phase::ready, &AppModel::phaseChanged);
-        if (!items_.empty())
-            change(changes, lastScanDate_, std::optional<Date>(Dates::now()), &AppModel::lastScanDateChanged);
-    }
+    // No phase test: the commands offer a stop only while a scan runs, and the phase
+    // always settles on what is listed.
+    change(changes, phase_, items_.empty() ? Phase::idle : Phase::ready, &AppModel::phaseChanged);
+    if (!items_.empty())
+        change(changes, lastScanDate_, std::optional<Date>(Dates::now()), &AppModel::lastScanDateChanged);
     change(changes, statusText_, QString(), &AppModel::statusTextChanged);
 }

@@ -8,17 +8,17 @@
 
 namespace {
 
-const ScanItems& itemsOf(const ItemsByCategory& grouped, const QString& categoryID) {
-    static const ScanItems none;
-    const auto found = grouped.find(categoryID.toStdString());
-    return found == grouped.end() ? none : found->second;
-}
-
 std::optional<CategoryGroup> groupNamed(const QString& group) {
     return CategoryGroups::fromRawValue(group.toStdString());
 }
 
 } // namespace
+
+CategoryItems AppModel::itemsOf(const std::string& categoryID) const {
+    static const ItemPositions none;
+    const auto found = itemsByCategory_.find(categoryID);
+    return CategoryItems(items_, found == itemsByCategory_.end() ? none : found->second);
+}
 
 std::vector<CleanCategory> AppModel::categoriesOf(CategoryGroup group) const {
     std::vector<CleanCategory> out;
@@ -37,27 +37,32 @@ std::optional<CleanCategory> AppModel::category(const QString& id) const {
 }
 
 qint64 AppModel::totalSize(const QString& categoryID) const {
-    return ScanResults::totalSize(itemsOf(itemsByCategory_, categoryID));
+    qint64 sum = 0;
+    for (const ScanItem& item : itemsOf(categoryID.toStdString()))
+        sum += item.size.value_or(0);
+    return sum;
 }
 
 qint64 AppModel::selectedSize(const QString& categoryID) const {
     qint64 sum = 0;
-    for (const ScanItem& item : itemsOf(itemsByCategory_, categoryID))
-        if (selection_.contains(item.id))
-            sum += item.size.value_or(0);
+    if (!selection_.empty())
+        for (const ScanItem& item : itemsOf(categoryID.toStdString()))
+            if (selection_.contains(item.id))
+                sum += item.size.value_or(0);
     return sum;
 }
 
 int AppModel::selectedCount(const QString& categoryID) const {
     int count = 0;
-    for (const ScanItem& item : itemsOf(itemsByCategory_, categoryID))
-        if (selection_.contains(item.id))
-            ++count;
+    if (!selection_.empty())
+        for (const ScanItem& item : itemsOf(categoryID.toStdString()))
+            if (selection_.contains(item.id))
+                ++count;
     return count;
 }
 
 int AppModel::itemCountOf(const QString& categoryID) const {
-    return static_cast<int>(itemsOf(itemsByCategory_, categoryID).size());
+    return static_cast<int>(itemsOf(categoryID.toStdString()).size());
 }
 
 qint64 AppModel::totalSize(CategoryGroup group) const {
@@ -89,9 +94,10 @@ AppModel::CategoryScanState AppModel::state(CategoryGroup group) const {
 
 ScanItems AppModel::selectedItems() const {
     ScanItems out;
-    for (const ScanItem& item : items_)
-        if (selection_.contains(item.id))
-            out.push_back(item);
+    if (!selection_.empty())
+        for (const ScanItem& item : items_)
+            if (selection_.contains(item.id))
+                out.push_back(item);
     return out;
 }
 
@@ -99,13 +105,23 @@ ScanItems AppModel::itemsToClean() const {
     if (cleanScope_.isEmpty())
         return selectedItems();
     ScanItems out;
-    for (const ScanItem& item : itemsOf(itemsByCategory_, cleanScope_))
-        if (selection_.contains(item.id))
-            out.push_back(item);
+    if (!selection_.empty())
+        for (const ScanItem& item : itemsOf(cleanScope_.toStdString()))
+            if (selection_.contains(item.id))
+                out.push_back(item);
     return out;
 }
 
-qint64 AppModel::itemsToCleanTotal() const { return ScanResults::totalSize(itemsToClean()); }
+qint64 AppModel::itemsToCleanTotal() const {
+    if (cleanScope_.isEmpty())
+        return selectedTotal();
+    qint64 sum = 0;
+    if (!selection_.empty())
+        for (const ScanItem& item : itemsOf(cleanScope_.toStdString()))
+            if (selection_.contains(item.id))
+                sum += item.size.value_or(0);
+    return sum;
+}
 
 const ScanItem* AppModel::findItem(const std::string& id) const {
     for (const ScanItem& item : items_)
@@ -114,48 +130,56 @@ const ScanItem* AppModel::findItem(const std::string& id) const {
     return nullptr;
 }
 
+// Ticks change in place: a copy of the whole set per tick would make ticking every
+// item of a long list cost the square of its length.
 void AppModel::setSelected(const std::string& id, bool on) {
     if (selection_.contains(id) == on)
         return;
     Changes changes(*this);
-    ItemIDs next = selection_;
     if (on)
-        next.insert(id);
+        selection_.insert(id);
     else
-        next.erase(id);
-    change(changes, selection_, std::move(next), &AppModel::selectionChanged);
+        selection_.erase(id);
+    announce(changes, &AppModel::selectionChanged);
 }
 
 void AppModel::setAll(const QString& categoryID, bool on) {
-    const ScanItems& list = itemsOf(itemsByCategory_, categoryID);
+    const CategoryItems list = itemsOf(categoryID.toStdString());
     if (list.empty())
         return;
     Changes changes(*this);
-    ItemIDs next = selection_;
-    for (const ScanItem& item : list) {
-        if (on)
-            next.insert(item.id);
-        else
-            next.erase(item.id);
-    }
-    change(changes, selection_, std::move(next), &AppModel::selectionChanged);
+    bool changed = false;
+    if (on)
+        selection_.reserve(selection_.size() + list.size());
+    for (const ScanItem& item : list)
+        changed = (on ? selection_.insert(item.id).second : selection_.erase(item.id) > 0) || changed;
+    if (changed)
+        announce(changes, &AppModel::selectionChanged);
 }
 
 void AppModel::selectRecommended() {
     Changes changes(*this);
-    ItemIDs next = selection_;
-    next.merge(ScanResults::recommendedIDs(items_, categories()));
-    change(changes, selection_, std::move(next), &AppModel::selectionChanged);
+    const size_t before = selection_.size();
+    selection_.merge(ScanResults::recommendedIDs(items_, categories()));
+    if (selection_.size() != before)
+        announce(changes, &AppModel::selectionChanged);
 }
 
 void AppModel::clearSelection() {
+    if (selection_.empty())
+        return;
     Changes changes(*this);
-    change(changes, selection_, ItemIDs{}, &AppModel::selectionChanged);
+    selection_.clear();
+    announce(changes, &AppModel::selectionChanged);
 }
 
-void AppModel::setItemSelected(const QString& key, bool on) { setSelected(ItemKey::toID(key), on); }
+void AppModel::setItemSelected(const QString& key, bool on) {
+    setSelected(ItemKey::toID(key), on);
+}
 
-bool AppModel::isItemSelected(const QString& key) const { return isSelected(ItemKey::toID(key)); }
+bool AppModel::isItemSelected(const QString& key) const {
+    return isSelected(ItemKey::toID(key));
+}
 
 QStringList AppModel::categoryIDsOf(const QString& group) const {
     QStringList ids;
@@ -175,4 +199,6 @@ int AppModel::groupState(const QString& group) const {
     return static_cast<int>(named ? state(*named) : CategoryScanState::done);
 }
 
-int AppModel::categoryScanState(const QString& categoryID) const { return static_cast<int>(stateOf(categoryID)); }
+int AppModel::categoryScanState(const QString& categoryID) const {
+    return static_cast<int>(stateOf(categoryID));
+}

@@ -11,6 +11,7 @@
 #include <QColor>
 
 #include <algorithm>
+#include <ranges>
 #include <sys/stat.h>
 
 namespace {
@@ -34,36 +35,40 @@ QVariantMap categoryMap(const CleanCategory& category) {
     };
 }
 
-QStringList names(const std::vector<ScanItem>& items) {
+QStringList names(const CleanPlan::Items& items) {
     QStringList out;
-    for (const ScanItem& item : items)
-        out << ItemKey::displayText(item.name);
+    for (const ScanItem* item : items)
+        out << ItemKey::displayText(item->name);
     return out;
 }
 
 } // namespace
 
 QVariantList AppModel::ranking() const {
-    std::vector<const CleanCategory*> ranked;
+    // Each category's total once: the sort compares them many times.
+    struct Ranked {
+        const CleanCategory* category;
+        qint64 total;
+    };
+    std::vector<Ranked> ranked;
     for (const CleanCategory& category : categories()) {
         const QString id = QString::fromStdString(category.id);
-        if (stateOf(id) == CategoryScanState::done && itemCountOf(id) > 0 && totalSize(id) > 0)
-            ranked.push_back(&category);
+        if (stateOf(id) != CategoryScanState::done || itemCountOf(id) == 0)
+            continue;
+        if (const qint64 total = totalSize(id); total > 0)
+            ranked.push_back({&category, total});
     }
-    std::stable_sort(ranked.begin(), ranked.end(), [this](const CleanCategory* a, const CleanCategory* b) {
-        return totalSize(QString::fromStdString(a->id)) > totalSize(QString::fromStdString(b->id));
-    });
+    std::stable_sort(ranked.begin(), ranked.end(),
+                     [](const Ranked& a, const Ranked& b) { return a.total > b.total; });
     if (ranked.size() > 8)
         ranked.resize(8);
-    const double largest =
-        ranked.empty() ? 1.0
-                       : std::max<double>(1.0, double(totalSize(QString::fromStdString(ranked.front()->id))));
+    const double largest = ranked.empty() ? 1.0 : std::max<double>(1.0, double(ranked.front().total));
     QVariantList out;
-    for (const CleanCategory* category : ranked) {
-        const QString id = QString::fromStdString(category->id);
-        QVariantMap row = categoryMap(*category);
-        row.insert("total", totalSize(id));
-        row.insert("fraction", double(totalSize(id)) / largest);
+    for (const Ranked& entry : ranked) {
+        const QString id = QString::fromStdString(entry.category->id);
+        QVariantMap row = categoryMap(*entry.category);
+        row.insert("total", entry.total);
+        row.insert("fraction", double(entry.total) / largest);
         row.insert("count", itemCountOf(id));
         row.insert("checked", selectedCount(id));
         out.append(row);
@@ -72,16 +77,21 @@ QVariantList AppModel::ranking() const {
 }
 
 QVariantList AppModel::largestItems() const {
-    std::vector<const ScanItem*> candidates;
-    for (const ScanItem& item : items_)
-        if (!item.method.isCommand() && item.size && *item.size > 0)
-            candidates.push_back(&item);
-    std::stable_sort(candidates.begin(), candidates.end(),
-                     [](const ScanItem* a, const ScanItem* b) { return a->sortSize() > b->sortSize(); });
-    if (candidates.size() > 8)
-        candidates.resize(8);
+    // The first eight of the order only: picked in one pass, not by sorting everything.
+    // Ties keep the scanner's order, as a stable sort would.
+    std::vector<const ScanItem*> top;
+    const auto before = [](const ScanItem* a, const ScanItem* b) { return a->sortSize() > b->sortSize(); };
+    for (const ScanItem& item : items_) {
+        if (item.method.isCommand() || !item.size || *item.size <= 0)
+            continue;
+        if (top.size() == 8 && !before(&item, top.back()))
+            continue;
+        top.insert(std::upper_bound(top.begin(), top.end(), &item, before), &item);
+        if (top.size() > 8)
+            top.pop_back();
+    }
     QVariantList out;
-    for (const ScanItem* item : candidates) {
+    for (const ScanItem* item : top) {
         QVariantMap row{
             {"key", ItemKey::fromID(item->id)},
             {"name", ItemKey::displayText(item->name)},
@@ -102,8 +112,22 @@ QVariantList AppModel::largestItems() const {
 }
 
 QVariantMap AppModel::cleanPlan() const {
-    const ScanItems items = itemsToClean();
-    const CleanPlan plan = CleanPlan::of(items, categories());
+    // Read in place: the plan is asked for at every change of the selection.
+    std::vector<const ScanItem*> items;
+    if (!selection_.empty()) {
+        const auto add = [&](const ScanItem& item) {
+            if (selection_.contains(item.id))
+                items.push_back(&item);
+        };
+        if (cleanScope_.isEmpty())
+            std::for_each(items_.begin(), items_.end(), add);
+        else
+            for (const ScanItem& item : itemsOf(cleanScope_.toStdString()))
+                add(item);
+    }
+    const CleanPlan plan = CleanPlan::of(
+        items | std::views::transform([](const ScanItem* item) -> const ScanItem& { return *item; }),
+        categories());
     QString scopeTitle;
     if (!cleanScope_.isEmpty())
         if (const auto scoped = category(cleanScope_))
@@ -198,20 +222,22 @@ QVariantMap AppModel::categoryInfo(const QString& categoryID) const {
 }
 
 QString AppModel::commonLocation(const QString& categoryID) const {
-    const auto found = itemsByCategory_.find(categoryID.toStdString());
-    if (found == itemsByCategory_.end())
-        return {};
-    std::optional<std::string> common;
-    for (const ScanItem& item : found->second) {
+    // Compared by the parent folder's spelling in place; only the answer is formatted.
+    const ScanItem* first = nullptr;
+    std::string_view folder;
+    for (const ScanItem& item : itemsOf(categoryID.toStdString())) {
         if (item.method.isCommand())
             continue;
-        const std::string location = item.location();
-        if (!common)
-            common = location;
-        else if (*common != location)
+        const std::string_view url = item.url ? std::string_view(*item.url) : std::string_view();
+        const std::string_view parent = url.substr(0, std::min(url.size(), url.rfind('/')));
+        if (!first) {
+            first = &item;
+            folder = parent;
+        } else if (parent != folder || item.url.has_value() != first->url.has_value()) {
             return {};
+        }
     }
-    return common ? ItemKey::displayText(*common) : QString();
+    return first ? ItemKey::displayText(first->location()) : QString();
 }
 
 QString AppModel::firstExistingPath(const QString& entryID) const {

@@ -7,6 +7,9 @@
 
 CategoryItemsModel::CategoryItemsModel(AppModel* model, QObject* parent)
     : QAbstractListModel(parent), model_(model) {
+    // Before anything else hears of a change, so that no view reads through stale
+    // positions.
+    connect(model_, &AppModel::itemsChanged, this, &CategoryItemsModel::reload);
     connect(model_, &AppModel::itemsByCategoryChanged, this, &CategoryItemsModel::reload);
     connect(model_, &AppModel::selectionChanged, this, &CategoryItemsModel::refreshChecks);
 }
@@ -20,34 +23,41 @@ void CategoryItemsModel::setCategoryId(const QString& id) {
 }
 
 void CategoryItemsModel::reload() {
-    const auto& grouped = model_->itemsByCategory();
-    const auto found = grouped.find(categoryId_.toStdString());
-    std::vector<ScanItem> next = found == grouped.end() ? std::vector<ScanItem>{} : found->second;
-    if (next == items_)
+    const ItemPositions& next = model_->itemsOf(categoryId_.toStdString()).positions();
+    if (next == positions_ && model_->itemsVersion() == itemsVersion_)
         return;
     const int before = count();
     beginResetModel();
-    items_ = std::move(next);
+    positions_ = next;
+    itemsVersion_ = model_->itemsVersion();
     endResetModel();
     if (count() != before)
         emit countChanged();
 }
 
 void CategoryItemsModel::refreshChecks() {
-    if (!items_.empty())
+    if (!positions_.empty())
         emit dataChanged(index(0), index(count() - 1), {CheckedRole});
 }
 
-int CategoryItemsModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }
+int CategoryItemsModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count();
+}
 
 const ScanItem* CategoryItemsModel::itemAt(int row) const {
-    return row >= 0 && row < count() ? &items_[static_cast<size_t>(row)] : nullptr;
+    if (row < 0 || row >= count())
+        return nullptr;
+    const uint32_t position = positions_[static_cast<size_t>(row)];
+    return position < model_->items().size() ? &model_->items()[position] : nullptr;
 }
 
 QVariant CategoryItemsModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
-    const ScanItem& item = items_[static_cast<size_t>(index.row())];
+    const ScanItem* found = itemAt(index.row());
+    if (!found)
+        return {};
+    const ScanItem& item = *found;
     switch (role) {
     case Qt::DisplayRole:
     case NameRole:

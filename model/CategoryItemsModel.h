@@ -1,8 +1,9 @@
 #pragma once
 // The items of one category, in the model's order (largest first), with their check
-// state: the source of the category table.
+// state: the source of the category table. It reads the model's items in place
+// through positions taken when the list last changed.
 
-#include "catalogue/ScanItem.h"
+#include "model/ScanResults.h"
 
 #include <QAbstractListModel>
 #include <QString>
@@ -25,7 +26,7 @@ public:
         NameRole,
         PathRole,
         LocationRole,
-        SizeRole, // bytes, or -1 when unknown
+        SizeRole,     // bytes, or -1 when unknown
         ModifiedRole, // QDateTime, invalid when unknown
         HasURLRole,
         MethodRole, // "trash", "permanent", "adminTrash", "command"
@@ -41,7 +42,7 @@ public:
 
     QString categoryId() const { return categoryId_; }
     void setCategoryId(const QString& id);
-    int count() const { return static_cast<int>(items_.size()); }
+    int count() const { return static_cast<int>(positions_.size()); }
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -59,5 +60,6 @@ private:
 
     AppModel* model_;
     QString categoryId_;
-    std::vector<ScanItem> items_;
+    ItemPositions positions_;
+    uint64_t itemsVersion_ = 0;
 };

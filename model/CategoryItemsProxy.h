@@ -2,10 +2,16 @@
 // The category table's view of its items: filtered by a text over name and
 // location (case-insensitive), sorted by name (locale collation, numbers by value),
 // size or date. Changing either re-filters or re-sorts in place; it never resets.
+// A new filter is one layout change: removing the rows it hides range by range
+// would cost the square of the rows when they lie scattered through a long list.
 
 #include <QCollator>
 #include <QSortFilterProxyModel>
 #include <QtQml/qqmlregistration.h>
+
+#include <vector>
+
+class CategoryItemsModel;
 
 class CategoryItemsProxy : public QSortFilterProxyModel {
     Q_OBJECT
@@ -48,9 +54,27 @@ protected:
 
 private:
     void applySort();
+    void forgetRows() {
+        nameKeys_.clear();
+        numberKeys_.clear();
+        texts_.clear();
+    }
+    const CategoryItemsModel* items() const;
+    // The texts the filter and the name order look at, made once per list.
+    struct RowTexts {
+        QString name;
+        QString location;
+    };
+    const std::vector<RowTexts>& texts() const;
 
     QString filterText_;
     SortKey sortKey_ = SortKey::size;
     bool ascending_ = false;
     QCollator collator_;
+    // Each row's collation key, made once per list: comparing keys is a byte
+    // comparison, where collating two names anew at every comparison of a sort is not.
+    mutable std::vector<QCollatorSortKey> nameKeys_;
+    mutable std::vector<RowTexts> texts_;
+    mutable std::vector<int64_t> numberKeys_; // sizes or dates (nanoseconds), per numberKeysOf_
+    mutable SortKey numberKeysOf_ = SortKey::size;
 };

@@ -4,35 +4,29 @@
 
 #include <algorithm>
 
-CleanPlan CleanPlan::of(const std::vector<ScanItem>& items, const std::vector<CleanCategory>& categories) {
-    CleanPlan plan;
-    auto riskOf = [&categories](const std::string& id) -> const CleanCategory* {
-        auto found = std::find_if(categories.begin(), categories.end(),
-                                  [&id](const CleanCategory& category) { return category.id == id; });
-        return found == categories.end() ? nullptr : &*found;
-    };
-    for (const ScanItem& item : items) {
-        using Kind = RemovalMethod::Kind;
-        switch (item.method.kind) {
-        case Kind::trash:
-        case Kind::adminTrash:
-            plan.toTrash.push_back(item);
-            break;
-        case Kind::permanent:
-            plan.permanent.push_back(item);
-            break;
-        case Kind::command:
-            plan.commands.push_back(item);
-            break;
-        }
-        if (item.method.kind == Kind::adminTrash || (item.method.isCommand() && item.method.admin))
-            plan.needsAdmin.push_back(item);
-        if (item.categoryID == CleanupRules::largeFilesCategoryID) {
-            plan.largeFiles.push_back(item);
-        } else if (const CleanCategory* category = riskOf(item.categoryID);
-                   category && category->risk == Risk::review) {
-            plan.review.push_back(item);
-        }
+void CleanPlan::add(const ScanItem& item, const std::vector<CleanCategory>& categories) {
+    using Kind = RemovalMethod::Kind;
+    switch (item.method.kind) {
+    case Kind::trash:
+    case Kind::adminTrash:
+        toTrash.push_back(&item);
+        break;
+    case Kind::permanent:
+        permanent.push_back(&item);
+        break;
+    case Kind::command:
+        commands.push_back(&item);
+        break;
     }
-    return plan;
+    if (item.method.kind == Kind::adminTrash || (item.method.isCommand() && item.method.admin))
+        needsAdmin.push_back(&item);
+    if (item.categoryID == CleanupRules::largeFilesCategoryID) {
+        largeFiles.push_back(&item);
+        return;
+    }
+    const auto category =
+        std::find_if(categories.begin(), categories.end(),
+                     [&item](const CleanCategory& each) { return each.id == item.categoryID; });
+    if (category != categories.end() && category->risk == Risk::review)
+        review.push_back(&item);
 }

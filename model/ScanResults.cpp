@@ -1,22 +1,28 @@
 #include "model/ScanResults.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 namespace ScanResults {
 
-ScanItems sortedForDisplay(ScanItems items) {
-    std::stable_sort(items.begin(), items.end(),
-                     [](const ScanItem& a, const ScanItem& b) { return a.sortSize() > b.sortSize(); });
-    return items;
+void sortForDisplay(const ScanItems& all, ItemPositions& positions) {
+    std::stable_sort(positions.begin(), positions.end(),
+                     [&all](uint32_t a, uint32_t b) { return all[a].sortSize() > all[b].sortSize(); });
 }
 
 ItemsByCategory groupedByCategory(const ScanItems& items) {
     ItemsByCategory grouped;
-    for (const ScanItem& item : items)
-        grouped[item.categoryID].push_back(item);
-    for (auto& [id, list] : grouped)
-        list = sortedForDisplay(std::move(list));
+    // Items of one category mostly come together: look the group up once per run.
+    ItemPositions* group = nullptr;
+    const std::string* groupID = nullptr;
+    for (uint32_t i = 0; i < items.size(); ++i) {
+        if (!groupID || *groupID != items[i].categoryID) {
+            groupID = &items[i].categoryID;
+            group = &grouped[*groupID];
+        }
+        group->push_back(i);
+    }
+    for (auto& [id, positions] : grouped)
+        sortForDisplay(items, positions);
     return grouped;
 }
 
@@ -24,6 +30,13 @@ int64_t totalSize(const ScanItems& items) {
     int64_t sum = 0;
     for (const ScanItem& item : items)
         sum += item.size.value_or(0);
+    return sum;
+}
+
+int64_t totalSize(const std::vector<const ScanItem*>& items) {
+    int64_t sum = 0;
+    for (const ScanItem* item : items)
+        sum += item->size.value_or(0);
     return sum;
 }
 
@@ -39,13 +52,9 @@ ItemIDs recommendedIDs(const ScanItems& items, const std::vector<CleanCategory>&
     return ids;
 }
 
-ScanItems without(const ScanItems& items, const ItemIDs& removed) {
-    ScanItems kept;
-    kept.reserve(items.size());
-    for (const ScanItem& item : items)
-        if (!removed.contains(item.id))
-            kept.push_back(item);
-    return kept;
+ScanItems without(ScanItems items, const ItemIDs& removed) {
+    std::erase_if(items, [&removed](const ScanItem& item) { return removed.contains(item.id); });
+    return items;
 }
 
 } // namespace ScanResults

@@ -165,7 +165,8 @@ struct Frame {
 
 class TreeRemover {
 public:
-    TreeRemover(int parentFd, MountIdentity root) : parentFd_(parentFd), root_(root) {}
+    TreeRemover(int parentFd, MountIdentity root, const StopRequested& stop)
+        : parentFd_(parentFd), root_(root), stop_(stop) {}
     TreeRemover(const TreeRemover&) = delete;
     TreeRemover& operator=(const TreeRemover&) = delete;
     ~TreeRemover() {
@@ -196,6 +197,7 @@ private:
 
     int parentFd_;
     MountIdentity root_;
+    const StopRequested& stop_;
     std::vector<Frame> stack_;
     size_t openStreams_ = 0;
     bool aborted_ = false;
@@ -348,6 +350,8 @@ int TreeRemover::run(const std::string& name, int fd) {
     if (!push(name, fd, identity))
         return errno;
     while (!stack_.empty() && !aborted_) {
+        if (stop_ && stop_())
+            return ECANCELED;
         const size_t top = stack_.size() - 1;
         errno = 0;
         const dirent* entry = ::readdir(stack_[top].stream);
@@ -372,7 +376,7 @@ int TreeRemover::run(const std::string& name, int fd) {
 
 } // namespace
 
-int removeTree(int parentFd, const std::string& name) {
+int removeTree(int parentFd, const std::string& name, const StopRequested& stop) {
     if (!isValidName(name))
         return EINVAL;
     MountIdentity parent;
@@ -408,18 +412,18 @@ int removeTree(int parentFd, const std::string& name) {
             ::close(fd);
             return EBUSY;
         }
-        TreeRemover remover(parentFd, opened);
+        TreeRemover remover(parentFd, opened, stop);
         return remover.run(name, fd);
     }
     return EBUSY;
 }
 
-int removeItem(const std::string& path) {
+int removeItem(const std::string& path, const StopRequested& stop) {
     Dir parent;
     std::string name;
     if (const int error = openParent(path, parent, name))
         return error;
-    return removeTree(parent.fd(), name);
+    return removeTree(parent.fd(), name, stop);
 }
 
 } // namespace SafeFs

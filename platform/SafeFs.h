@@ -6,6 +6,7 @@
 // throws.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace SafeFs {
@@ -29,6 +30,10 @@ private:
     int fd_ = -1;
 };
 
+// Asked between entries by the walks that may take long (a cache of a million files);
+// true ends the walk where it is, leaving what it has not reached (ECANCELED).
+using StopRequested = std::function<bool()>;
+
 // Opens the parent folder of an absolute path without following any link in it.
 // On success `dir` holds it and `name` the last component; returns 0 or an errno.
 int openParent(const std::string& path, Dir& dir, std::string& name);
@@ -40,9 +45,9 @@ int openParent(const std::string& path, Dir& dir, std::string& name);
 // A link named `name` is removed as a link, its target untouched. A folder that
 // cannot be read stays (EACCES); a mount point inside, or `name` itself being one,
 // is left alone with what is mounted on it (EBUSY).
-int removeTree(int parentFd, const std::string& name);
+int removeTree(int parentFd, const std::string& name, const StopRequested& stop = {});
 
 // Deletes the item at an absolute path: openParent + removeTree.
-int removeItem(const std::string& path);
+int removeItem(const std::string& path, const StopRequested& stop = {});
 
 } // namespace SafeFs

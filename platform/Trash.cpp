@@ -3,6 +3,7 @@
 #include "platform/Date.h"
 #include "platform/Environment.h"
 #include "platform/MountIdentity.h"
+#include "platform/MountPoints.h"
 #include "platform/Paths.h"
 #include "platform/SafeFs.h"
 #include "platform/SafeFsInternals.h"
@@ -154,10 +155,14 @@ MoveResult moveToTrash(const std::string& path) {
     std::string name;
     if ((result.error = SafeFs::openParent(path, parent, name)))
         return result;
-    if (!isTaken(parent.fd(), name)) {
+    struct stat st {};
+    if (::fstatat(parent.fd(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
         result.error = errno;
         return result;
     }
+    // The parent was opened without links, so `path` is where the folder really is.
+    if (S_ISDIR(st.st_mode) && (result.error = MountPoints::checkNoneWithin(Paths::standardizedPath(path))))
+        return result;
     TrashFolders::Opened trash;
     std::string recorded;
     if ((result.error = openTrashFor(parent.fd(), path, trash, recorded)))
@@ -187,12 +192,12 @@ MoveResult moveToTrash(const std::string& path) {
     return result;
 }
 
-int deleteForGood(const std::string& path) {
+int deleteForGood(const std::string& path, const SafeFs::StopRequested& stop) {
     SafeFs::Dir parent;
     std::string name;
     if (const int error = SafeFs::openParent(path, parent, name))
         return error;
-    const int error = SafeFs::removeTree(parent.fd(), name);
+    const int error = SafeFs::removeTree(parent.fd(), name, stop);
     if (!liesInTrashFiles(path) || !isGone(parent.fd(), name))
         return error;
     // Through the files/ folder that held the item, so its own trash is the one meant.

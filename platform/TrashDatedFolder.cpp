@@ -17,19 +17,17 @@ namespace {
 // Bounds the search for a free name on a trash that claims every name is taken.
 constexpr unsigned kMaxNumber = 10000;
 
-// Makes the folder `name` inside files/, then opens it as what was just made (a
-// real folder, not a link put there meanwhile) and hands it to the owner.
-int makeFolder(DatedFolder& dated, const std::string& name, uid_t owner, gid_t group) {
+// Makes the folder `name` inside files/ and opens it as what was just made. It stays
+// the process's own until handOverDatedFolder: files/ is the user's, but nobody else
+// may change what lies inside the dated folder while it is being handed over.
+int makeFolder(DatedFolder& dated, const std::string& name) {
     if (::mkdirat(dated.files.fd(), name.c_str(), 0700) != 0)
         return errno;
-    SafeFs::Dir folder(
-        ::openat(dated.files.fd(), name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    int error = folder ? 0 : errno;
-    if (error == 0 && ::geteuid() != owner && ::fchown(folder.fd(), owner, group) != 0)
-        error = errno;
-    if (error == 0 && ::fchmod(folder.fd(), 0700) != 0)
-        error = errno;
-    if (error != 0) {
+    SafeFs::Dir folder;
+    if (const int error = TrashFolders::openJustMade(dated.files.fd(), name, folder))
+        return error;
+    if (::fchmod(folder.fd(), 0700) != 0) {
+        const int error = errno;
         ::unlinkat(dated.files.fd(), name.c_str(), AT_REMOVEDIR);
         return error;
     }
@@ -75,7 +73,7 @@ DatedFolder createDatedFolder(const std::string& homeFolder, const std::string& 
             continue;
         if (dated.error != 0)
             return dated;
-        dated.error = makeFolder(dated, name, owner, group);
+        dated.error = makeFolder(dated, name);
         if (dated.error == 0) {
             dated.name = name;
             dated.location = Paths::join(trashFolder, "files/" + name);
@@ -87,6 +85,14 @@ DatedFolder createDatedFolder(const std::string& homeFolder, const std::string& 
     }
     dated.error = EEXIST;
     return dated;
+}
+
+int handOverDatedFolder(DatedFolder& folder, uid_t owner, gid_t group) {
+    if (!folder.folder)
+        return EINVAL;
+    if (::geteuid() == owner || ::fchown(folder.folder.fd(), owner, group) == 0)
+        return 0;
+    return errno;
 }
 
 int removeDatedFolderIfEmpty(DatedFolder& folder) {

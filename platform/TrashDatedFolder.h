@@ -26,11 +26,17 @@ struct DatedFolder {
 // Creates the dated folder for the local time `now` inside `trashFolder` (absolute,
 // free of links; its missing folders are created 0700 for the owner). A name that
 // exists is never merged into: the next free one is taken. The info file (Path= the
-// home folder joined with the name) reserves the name and is made first; the folder
-// is made with mkdirat 0700. Both belong to owner:group. A trash folder, files/ or
-// info/ that is a link (ELOOP/ENOTDIR) or belongs to someone else (EACCES) is refused.
+// home folder joined with the name) reserves the name and is made first, owner:group's;
+// the folder is made with mkdirat 0700 and stays the process's own until
+// handOverDatedFolder. A trash folder, files/ or info/ that is a link (ELOOP/ENOTDIR)
+// or belongs to someone else (EACCES) is refused, and so is a folder swapped in for
+// the one made (EBUSY).
 DatedFolder createDatedFolder(const std::string& homeFolder, const std::string& trashFolder, uid_t owner,
                               gid_t group, Date now);
+
+// Gives the dated folder to owner:group, once everything moved into it is theirs.
+// Returns 0 or an errno.
+int handOverDatedFolder(DatedFolder& folder, uid_t owner, gid_t group);
 
 // Removes the dated folder and its info file when nothing is in the folder; a folder
 // that holds something stays as it is with its info file. Returns 0, or the errno

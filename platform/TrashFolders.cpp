@@ -3,7 +3,9 @@
 #include "platform/SafeFsInternals.h"
 
 #include <cerrno>
+#include <dirent.h>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -14,20 +16,31 @@ namespace {
 
 constexpr int kFolderPath = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
+bool isEmptyFolder(int fd) {
+    DIR* stream = ::fdopendir(::openat(fd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!stream)
+        return false;
+    bool empty = true;
+    while (const dirent* entry = ::readdir(stream)) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") {
+            empty = false;
+            break;
+        }
+    }
+    ::closedir(stream);
+    return empty;
+}
+
 // Gives a folder just made to its owner with the mode a trash needs (the umask may
-// have taken bits away). The folder is opened without following a link, so a link
-// swapped in for it is never changed.
+// have taken bits away).
 int finishNewFolder(int parentFd, const std::string& name, uid_t owner, gid_t group) {
-    const int fd = ::openat(parentFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd < 0)
+    SafeFs::Dir folder;
+    if (const int error = openJustMade(parentFd, name, folder))
+        return error;
+    if (::geteuid() != owner && ::fchown(folder.fd(), owner, group) != 0)
         return errno;
-    int error = 0;
-    if (::geteuid() != owner && ::fchown(fd, owner, group) != 0)
-        error = errno;
-    if (error == 0 && ::fchmod(fd, 0700) != 0)
-        error = errno;
-    ::close(fd);
-    return error;
+    return ::fchmod(folder.fd(), 0700) == 0 ? 0 : errno;
 }
 
 int checkFolder(int fd, uid_t owner, Check check) {
@@ -51,6 +64,23 @@ bool mayCreateIn(int parentFd, uid_t owner) {
 }
 
 } // namespace
+
+int openJustMade(int parentFd, const std::string& name, SafeFs::Dir& dir) {
+    struct stat made {};
+    if (::fstatat(parentFd, name.c_str(), &made, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno;
+    SafeFs::Dir opened(::openat(parentFd, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!opened)
+        return errno;
+    struct stat st {};
+    if (::fstat(opened.fd(), &st) != 0)
+        return errno;
+    if (st.st_dev != made.st_dev || st.st_ino != made.st_ino || st.st_uid != ::geteuid() ||
+        !isEmptyFolder(opened.fd()))
+        return EBUSY;
+    dir = std::move(opened);
+    return 0;
+}
 
 int openOrCreate(int parentFd, const std::string& name, uid_t owner, gid_t group, Check check,
                  SafeFs::Dir& dir) {

@@ -37,6 +37,13 @@ int openOrCreate(int parentFd, const std::string& name, uid_t owner, gid_t group
 // owner), so a root caller never makes folders in somebody else's place.
 int openOrCreatePath(const std::string& path, uid_t owner, gid_t group, SafeFs::Dir& dir);
 
+// Opens `name` inside `parentFd` (O_RDONLY), a folder the caller has just made there
+// with mkdirat, but only while it is still that folder: the process's own, empty, and
+// the object the parent's entry named right after mkdirat. Whoever may write the
+// parent can swap something else in meanwhile, which is never changed nor given away
+// (EBUSY; ELOOP or ENOTDIR for what is not a folder). Returns 0 or an errno.
+int openJustMade(int parentFd, const std::string& name, SafeFs::Dir& dir);
+
 // Opens files/ and info/ of `trash.root`, creating them as openOrCreate does.
 int openContents(Opened& trash, uid_t owner, gid_t group, Check check);
 

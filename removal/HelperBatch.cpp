@@ -1,5 +1,6 @@
 #include "removal/HelperBatch.h"
 
+#include "platform/MountPoints.h"
 #include "platform/Paths.h"
 #include "platform/SafeFs.h"
 #include "platform/Text.h"
@@ -80,6 +81,13 @@ int Batch::move(const std::string& path) {
     struct stat st {};
     if (::fstatat(parent.fd(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
         return errno;
+    if (S_ISDIR(st.st_mode)) {
+        const int error = MountPoints::checkNoneWithin(path);
+        if (error == EBUSY)
+            reason_ = "something is mounted inside it; not moved";
+        if (error != 0)
+            return error == EBUSY ? -1 : error;
+    }
     if (const int error = openDestination())
         return error;
     const int folder = destination_->folder.fd();
@@ -90,9 +98,15 @@ int Batch::move(const std::string& path) {
         const std::string target = Text::prefixWithinBytes(name, NAME_MAX - suffix.size()) + suffix;
         if (::renameat2(parent.fd(), name.c_str(), folder, target.c_str(), RENAME_NOREPLACE) == 0) {
             moved_ = true;
-            if (const int error = OwnerHandover::handOver(folder, target, user_.uid, user_.gid))
+            const OwnerHandover::Outcome given =
+                OwnerHandover::handOver(folder, target, user_.uid, user_.gid, HelperStop::requested);
+            const std::string shown = Text::escapedForTerminal(path);
+            if (given.leftToRoot)
+                writeAll(logFd_, "moved; its device files, and root's pipes and sockets, keep their owner: " +
+                                     shown + "\n");
+            if (given.error != 0)
                 writeAll(logFd_, "moved, but not all of it could be given to the user: " +
-                                     std::string(std::strerror(error)) + "\n");
+                                     std::string(std::strerror(given.error)) + ": " + shown + "\n");
             return 0;
         }
         if (errno != EEXIST)
@@ -101,9 +115,10 @@ int Batch::move(const std::string& path) {
     return EEXIST;
 }
 
-// A trashed item deleted for good takes its info file along.
+// A trashed item deleted for good takes its info file along. A stop leaves the rest of
+// a large folder for another time rather than holding the user's quit.
 int Batch::remove(const std::string& path) {
-    return Trash::deleteForGood(path);
+    return Trash::deleteForGood(path, HelperStop::requested);
 }
 
 int Batch::command(const std::string& text) {
@@ -140,8 +155,15 @@ void Batch::run() {
         const std::string path = Paths::standardizedPath(step.payload);
         answer(step, step.kind == WorkList::Step::Kind::move ? move(path) : remove(path));
     }
-    if (destination_ && destination_->error == 0 && !moved_)
-        Trash::removeDatedFolderIfEmpty(*destination_);
+    if (!destination_ || destination_->error != 0)
+        return;
+    // Given last, after every hand-over (also after a stop): until then nobody but
+    // root can swap what was moved for something else to be handed over.
+    if (moved_ || Trash::removeDatedFolderIfEmpty(*destination_) != 0) {
+        if (const int error = Trash::handOverDatedFolder(*destination_, user_.uid, user_.gid))
+            writeAll(logFd_, "the dated folder could not be given to the user: " +
+                                 std::string(std::strerror(error)) + "\n");
+    }
 }
 
 } // namespace

@@ -5,9 +5,10 @@
 // anything is done, then acted on in its standardized form through descriptors: the
 // parent chain opened without following a link, deletions that never cross into
 // another mount, and moves into the dated folder of the user's home trash by rename
-// only: a move to another file system fails with its reason and is never a copy. What
-// was moved is handed to the user. Answers are the batch script's lines, "OK|key" or
-// "FAIL|key", written as each step ends; the dated folder's name comes as
+// only: a move to another file system, or of a folder with something mounted inside
+// it, fails with its reason and is never a copy. What was moved is handed to the user,
+// and the dated folder last. Answers are the batch
+// script's lines, "OK|key" or "FAIL|key", written as each step ends; the dated folder's name comes as
 // "DEST|<name>" when it is made, and each failure's reason goes to standard error.
 
 #include "removal/InvokingUser.h"

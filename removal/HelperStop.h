@@ -2,8 +2,9 @@
 // When veltro-helper must stop: the user process closed the helper's standard input
 // (to stop it, or because it died: the only signal that always reaches a root helper
 // from an unprivileged parent), its parent thread ended (PR_SET_PDEATHSIG), or it
-// was sent SIGTERM, SIGINT or SIGHUP. The work checks between items and ends the
-// tools it started; nothing is cut in the middle of a rename.
+// was sent SIGTERM, SIGINT or SIGHUP. The work checks between items and between the
+// entries of a deletion or hand-over walk, and ends the tools it started; nothing is
+// cut in the middle of a rename.
 
 namespace HelperStop {
 

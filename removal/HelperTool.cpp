@@ -11,6 +11,8 @@
 #include <cstring>
 #include <optional>
 #include <poll.h>
+#include <pwd.h>
+#include <string_view>
 #include <unistd.h>
 
 extern char** environ;
@@ -26,20 +28,44 @@ constexpr auto stopGrace = std::chrono::seconds(5);
 constexpr auto drainAfterEnd = std::chrono::milliseconds(200);
 constexpr int exitCheckMilliseconds = 20;
 
-// Started by pkexec for someone else, tools come only from the system's folders.
-// Started directly, the helper has its caller's own rights and finds tools where its
-// caller would.
+// The locale of the session, which pkexec passes on; nothing that names a folder.
+bool isLocaleSetting(std::string_view entry) {
+    return entry.starts_with("LANG=") || entry.starts_with("LANGUAGE=") || entry.starts_with("LC_");
+}
+
+// Root's own home, from the password database.
+std::string rootHome() {
+    const long suggested = ::sysconf(_SC_GETPW_R_SIZE_MAX);
+    std::vector<char> buffer(suggested > 0 ? static_cast<size_t>(suggested) : 16384);
+    passwd record{};
+    passwd* found = nullptr;
+    if (::getpwuid_r(::geteuid(), &record, buffer.data(), buffer.size(), &found) == 0 && found &&
+        found->pw_dir && found->pw_dir[0] == '/')
+        return found->pw_dir;
+    return "/";
+}
+
+// Started by pkexec for someone else, the tools get an environment of root's own: the
+// user's HOME and TMPDIR (which the helper takes on for its safety check) would have
+// root's tools write their caches and temporary files into the user's folders, and
+// the user's PATH would choose the tools. Started directly, the helper has its
+// caller's own rights and runs tools as its caller would.
 std::vector<std::string> toolEnvironment() {
-    const bool forSomeoneElse = std::getenv("PKEXEC_UID") != nullptr;
     std::vector<std::string> entries;
+    if (std::getenv("PKEXEC_UID")) {
+        for (char** entry = environ; entry && *entry; ++entry)
+            if (isLocaleSetting(*entry))
+                entries.emplace_back(*entry);
+        entries.push_back("HOME=" + rootHome());
+        entries.emplace_back(systemPath);
+        return entries;
+    }
     bool hasPath = false;
     for (char** entry = environ; entry && *entry; ++entry) {
-        const bool isPath = std::strncmp(*entry, "PATH=", 5) == 0;
-        hasPath = hasPath || isPath;
-        if (!isPath || !forSomeoneElse)
-            entries.emplace_back(*entry);
+        hasPath = hasPath || std::strncmp(*entry, "PATH=", 5) == 0;
+        entries.emplace_back(*entry);
     }
-    if (forSomeoneElse || !hasPath)
+    if (!hasPath)
         entries.emplace_back(systemPath);
     return entries;
 }

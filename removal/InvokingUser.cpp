@@ -3,11 +3,13 @@
 #include "catalogue/ProtectedPaths.h"
 #include "platform/Environment.h"
 #include "platform/Paths.h"
+#include "platform/SafeFs.h"
 #include "removal/Cleaner.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <fcntl.h>
 #include <grp.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -67,6 +69,16 @@ bool isUsableFolder(const std::string& path) {
            Paths::standardizedPath(path) == path;
 }
 
+// Whether the entry at `path` belongs to `uid`, looked at through its parent opened
+// without links, where the action will find it.
+bool isOwnedBy(const std::string& path, uid_t uid) {
+    SafeFs::Dir parent;
+    std::string name;
+    struct stat st {};
+    return SafeFs::openParent(path, parent, name) == 0 &&
+           ::fstatat(parent.fd(), name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 && st.st_uid == uid;
+}
+
 } // namespace
 
 bool InvokingUser::establish(const WorkList::Batch& batch, InvokingUser& user, std::string& reason) {
@@ -108,10 +120,20 @@ bool InvokingUser::establish(const WorkList::Batch& batch, InvokingUser& user, s
 bool InvokingUser::refuses(const std::string& path) const {
     if (Cleaner::isRefusedPath(path))
         return true;
+    // The temporary folders are shared: what lies directly in them is the user's to
+    // clean only when it is the user's (root's /tmp/.X11-unix or
+    // /var/tmp/systemd-private-* are not), however shallow the depth rule lets it be.
+    const std::string standardized = Paths::standardizedPath(path);
+    const auto isInTemporaryFolder = [&](const std::string& candidate) {
+        const std::string parent = Paths::parentFolder(candidate);
+        return parent == "/tmp" || parent == "/var/tmp" || parent == temporary;
+    };
+    if ((isInTemporaryFolder(standardized) || isInTemporaryFolder(Paths::canonicalPath(standardized))) &&
+        !isOwnedBy(standardized, uid))
+        return true;
     if (passwordHome.empty() || passwordHome == home)
         return false;
     // The same protection for the password database's home as for the given one.
-    const std::string standardized = Paths::standardizedPath(path);
     for (const std::string& candidate : {standardized, Paths::canonicalPath(standardized)}) {
         if (candidate == passwordHome)
             return true;

@@ -23,6 +23,7 @@ struct InvokingUser {
     static bool establish(const WorkList::Batch& batch, InvokingUser& user, std::string& reason);
 
     // The safety check of the cleaner, with the password database's home (and its
-    // protected folders) refused too when the given home differs from it.
+    // protected folders) refused too when the given home differs from it, and an entry
+    // directly in a temporary folder taken only when it is the user's.
     bool refuses(const std::string& path) const;
 };

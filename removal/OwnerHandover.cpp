@@ -27,7 +27,7 @@ struct Frame {
 
 class Walk {
 public:
-    Walk(uid_t uid, gid_t gid) : uid_(uid), gid_(gid) {}
+    Walk(uid_t uid, gid_t gid, const SafeFs::StopRequested& stop) : uid_(uid), gid_(gid), stop_(stop) {}
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
     ~Walk() {
@@ -36,7 +36,7 @@ public:
                 ::closedir(frame.stream);
     }
 
-    int run(int parentFd, const std::string& name);
+    Outcome run(int parentFd, const std::string& name);
 
 private:
     void note(int error) {
@@ -51,10 +51,12 @@ private:
 
     uid_t uid_;
     gid_t gid_;
+    const SafeFs::StopRequested& stop_;
     MountIdentity root_;
     std::vector<Frame> stack_;
     size_t openStreams_ = 0;
     bool aborted_ = false;
+    bool leftToRoot_ = false;
     int error_ = 0;
 };
 
@@ -70,6 +72,9 @@ void Walk::giveEntry(int dirFd, const char* name) {
     struct stat st {};
     if (::fstat(fd, &st) != 0)
         note(errno);
+    else if (S_ISBLK(st.st_mode) || S_ISCHR(st.st_mode) ||
+             ((S_ISFIFO(st.st_mode) || S_ISSOCK(st.st_mode)) && st.st_uid == 0))
+        leftToRoot_ = true;
     else if (!S_ISDIR(st.st_mode) && st.st_nlink > 1)
         note(EMLINK);
     else if (::fchownat(fd, "", uid_, gid_, AT_EMPTY_PATH) != 0)
@@ -165,13 +170,15 @@ void Walk::finishTop() {
     stack_.pop_back();
 }
 
-int Walk::run(int parentFd, const std::string& name) {
+Outcome Walk::run(int parentFd, const std::string& name) {
     MountIdentity parent;
     if (const int error = mountIdentityAt(parentFd, "", parent))
-        return error;
+        return {error, false};
     root_ = parent;
     enter(parentFd, name.c_str());
     while (!stack_.empty() && !aborted_) {
+        if (stop_ && stop_())
+            return {ECANCELED, leftToRoot_};
         Frame& top = stack_.back();
         errno = 0;
         const dirent* entry = ::readdir(top.stream);
@@ -189,13 +196,14 @@ int Walk::run(int parentFd, const std::string& name) {
         else
             giveEntry(::dirfd(top.stream), entry->d_name);
     }
-    return error_;
+    return {error_, leftToRoot_};
 }
 
 } // namespace
 
-int handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid) {
-    Walk walk(uid, gid);
+Outcome handOver(int parentFd, const std::string& name, uid_t uid, gid_t gid,
+                 const SafeFs::StopRequested& stop) {
+    Walk walk(uid, gid, stop);
     return walk.run(parentFd, name);
 }
 

@@ -7,6 +7,7 @@
 #include "removal/Shell.h"
 #include "removal/WorkList.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -90,9 +91,11 @@ Shell::Output measure(const std::vector<WorkList::MeasuredEntry>& entries, const
                       double timeout, const LineCallback& onLine);
 
 // For quitting: tells every helper run of this process to stop (it stops at the next
-// safe point between items and ends what it started), waits until each has ended,
-// and makes later runs fail at once. Callable from any thread.
-void endAll();
+// safe point between entries and ends what it started), waits until each has ended
+// but no longer than `patience`, and makes later runs fail at once. False when a run
+// was still going when the patience ran out: a helper working as root cannot be made
+// to end by us, and a window must not hang on it. Callable from any thread.
+bool endAll(std::chrono::milliseconds patience = std::chrono::seconds(10));
 
 // The macOS form of the request, kept as pure functions: the AppleScript text for
 // script path P and prompt T (its double quotes turned into single quotes), and the

@@ -215,7 +215,7 @@ Shell::Output runProcess(const std::vector<std::string>& command, const Launch& 
     return result;
 }
 
-void endAll() {
+bool endAll(std::chrono::milliseconds patience) {
     Registry& all = registry();
     std::unique_lock guard(all.lock);
     all.ending = true;
@@ -226,7 +226,7 @@ void endAll() {
             // The run also looks at the flag on its own.
         }
     }
-    all.changed.wait(guard, [&] { return all.runs.empty(); });
+    return all.changed.wait_for(guard, patience, [&] { return all.runs.empty(); });
 }
 
 } // namespace Privileged

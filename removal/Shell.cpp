@@ -182,8 +182,10 @@ int32_t reap(pid_t pid) {
     }
     if (WIFEXITED(status))
         return WEXITSTATUS(status);
+    // A child ended by a signal (the time limit's SIGTERM among them) reports the
+    // signal's number, not a shell's 128 + number: no exit status is involved.
     if (WIFSIGNALED(status))
-        return 128 + WTERMSIG(status);
+        return WTERMSIG(status);
     return 1;
 }
 

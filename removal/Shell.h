@@ -22,8 +22,8 @@ std::string path();
 // streams drained concurrently. The child leads its own process group; when
 // `timeout` seconds pass, SIGTERM goes to that group, so neither a pipeline nor a
 // background grandchild can hold the call past the limit. A child ended by a
-// signal reports 128 + the signal's number. Must not be called on the interface
-// thread.
+// signal reports the signal's number: 15 (SIGTERM) when the limit ended it. Must not be called on the
+// interface thread.
 Output run(const std::string& command, double timeout);
 
 // Replaces invalid UTF-8 sequences by U+FFFD.

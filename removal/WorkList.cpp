@@ -1,6 +1,9 @@
 #include "removal/WorkList.h"
 
+#include "platform/Date.h"
+
 #include <charconv>
+#include <chrono>
 
 namespace WorkList {
 
@@ -10,6 +13,10 @@ constexpr std::string_view endField = "end";
 // More folders than any entry has, and far more bytes than any clean's list.
 constexpr size_t maxFolders = 4096;
 constexpr size_t maxListBytes = size_t{64} << 20;
+// The dated folder's stamp is a Date, nanoseconds in 64 bits: a time beyond what it
+// holds would overflow on the way there.
+constexpr int64_t maxTimeSeconds =
+    std::chrono::duration_cast<std::chrono::seconds>(Date::duration::max()).count();
 
 void add(std::string& out, std::string_view field) {
     out.append(field);
@@ -185,7 +192,7 @@ std::optional<Batch> decodeBatch(std::string_view bytes) {
         *into = std::string(*value);
     }
     const auto time = fields.expect("time") ? fields.number<int64_t>() : std::nullopt;
-    if (!time)
+    if (!time || *time > maxTimeSeconds || *time < -maxTimeSeconds)
         return std::nullopt;
     batch.localTime = *time;
     for (;;) {

@@ -17,7 +17,9 @@
 #include "scanning/Measurement.h"
 #include "scanning/PathGlob.h"
 
+#include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unordered_map>
 
@@ -29,9 +31,12 @@ namespace {
 // not split any further.
 constexpr int maxSplitDepth = 4;
 
-template <typename Event> void report(const ScanEventSink& events, Event event) {
-    if (events)
-        events(ScanEvent{std::move(event)});
+// The receiver of one scan's events; it may take a finished category's items.
+using TakingSink = std::function<void(ScanEvent&)>;
+
+template <typename Event> void report(const TakingSink& events, Event event) {
+    ScanEvent reported{std::move(event)};
+    events(reported);
 }
 
 bool isDirectoryNoFollow(const std::string& path) {
@@ -40,11 +45,15 @@ bool isDirectoryNoFollow(const std::string& path) {
 }
 
 // Entry names in listing order, hidden ones included, without "." and "..".
-// False when the folder cannot be listed.
-bool listFolder(const std::string& path, std::vector<std::string>& names) {
-    DIR* dir = ::opendir(path.c_str());
-    if (!dir)
+// False when the folder cannot be listed. `folderFd` stays open and unchanged.
+bool listFolder(int folderFd, std::vector<std::string>& names) {
+    const int listing = ::openat(folderFd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* dir = listing < 0 ? nullptr : ::fdopendir(listing);
+    if (!dir) {
+        if (listing >= 0)
+            ::close(listing);
         return false;
+    }
     while (const dirent* entry = ::readdir(dir)) {
         const std::string_view name = entry->d_name;
         if (name != "." && name != "..")
@@ -54,10 +63,13 @@ bool listFolder(const std::string& path, std::vector<std::string>& names) {
     return true;
 }
 
-// An entry that cannot be examined counts as someone else's.
-bool isOwnedByUser(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0 && st.st_uid == Environment::realUserID();
+bool listFolder(const std::string& path, std::vector<std::string>& names) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool listed = listFolder(fd, names);
+    ::close(fd);
+    return listed;
 }
 
 std::string replacingAll(std::string text, std::string_view placeholder, std::string_view value) {
@@ -105,21 +117,33 @@ private:
                 Dates::now() - std::chrono::seconds(static_cast<int64_t>(*source.olderThanDays) * 86'400);
         const bool onlyOwnEntries = LinuxLocations::offersOnlyOwnEntries(rule);
         for (const std::string& folder : PathGlob::expand(source.pattern)) {
-            std::vector<std::string> names;
-            if (!isDirectoryNoFollow(folder) || !listFolder(folder, names))
+            // Opened without following a final link: a link to a folder is not the folder.
+            const int folderFd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+            if (folderFd < 0)
                 continue;
+            std::vector<std::string> names;
+            const bool listed = listFolder(folderFd, names);
             for (const std::string& name : names) {
+                if (!listed)
+                    break;
                 if (source.exclude.contains(name) || name == ".DS_Store" || name == ".localized")
                     continue;
-                const std::string child = Paths::join(folder, name);
-                if (onlyOwnEntries && !isOwnedByUser(child))
+                // One look at the entry, relative to its folder, gives both its owner and
+                // its date (Linux keeps no added-to-folder date: both keys read the
+                // modification date).
+                struct stat st {};
+                const bool examined = ::fstatat(folderFd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0;
+                if (onlyOwnEntries && (!examined || st.st_uid != Environment::realUserID()))
                     continue;
-                const std::optional<Date> date =
-                    source.dateKey == Source::DateKey::modified ? modDate(child) : addedDate(child);
+                std::optional<Date> date;
+                if (examined)
+                    date = Date(std::chrono::seconds(st.st_mtim.tv_sec) +
+                                std::chrono::nanoseconds(st.st_mtim.tv_nsec));
                 if (cutoff && date && *date > *cutoff)
                     continue;
-                add(rule, child, date, std::nullopt, 0);
+                add(rule, Paths::join(folder, name), date, std::nullopt, 0);
             }
+            ::close(folderFd);
         }
     }
 
@@ -175,8 +199,8 @@ private:
     // instead, down to `maxSplitDepth` levels.
     void add(const Rule& rule, const std::string& path, std::optional<Date> modified,
              std::optional<std::string> note, int depth) {
-        const std::string canonical = Paths::canonicalPath(path);
-        if (ProtectedPaths::contains(canonical) || claims.isCovered(canonical))
+        const std::string canonical = canonicalOf(path);
+        if (ProtectedPaths::contains(canonical) || claims.contains(canonical) || parentIsCovered(canonical))
             return;
         if (claims.hasClaimedDescendant(canonical)) {
             std::vector<std::string> names;
@@ -186,17 +210,74 @@ private:
             }
             return;
         }
-        claims.insert(canonical);
-        RemovalMethod method = rule.permanent ? RemovalMethod::permanent()
-                               : Paths::isWritable(Paths::parentFolder(canonical))
-                                   ? RemovalMethod::trash()
-                                   : RemovalMethod::adminTrash();
+        claim(canonical);
+        RemovalMethod method = rule.permanent                ? RemovalMethod::permanent()
+                               : parentIsWritable(canonical) ? RemovalMethod::trash()
+                                                             : RemovalMethod::adminTrash();
         if (!modified)
             modified = modDate(canonical);
         candidates[rule.category.id].push_back(
             Candidate{rule.category.id, canonical, std::move(method), modified, std::move(note)});
     }
 
+    // A folder's entries come one after another and share what is known of the folder:
+    // its resolved path, whether it or a folder above it is claimed, and whether the
+    // user may write it. Worked out once for the folder rather than for each entry,
+    // which keeps a folder of a hundred thousand entries from costing a path
+    // resolution, an ancestor walk and an access test each.
+    struct Folder {
+        std::string given;    // the parent as the entry's path names it
+        std::string resolved; // its canonical form; empty when it cannot be resolved
+        std::optional<bool> covered;
+        std::optional<bool> writable;
+    };
+
+    // Paths::canonicalPath, with the parent resolved once per folder.
+    std::string canonicalOf(const std::string& path) {
+        const std::string standardized = Paths::standardizedPath(path);
+        const std::string parent = Paths::parentFolder(standardized);
+        if (standardized == "/" || parent.empty())
+            return standardized;
+        if (parent != folder_.given) {
+            folder_ = Folder{parent, {}, {}, {}};
+            if (char* real = ::realpath(parent.c_str(), nullptr)) {
+                folder_.resolved = real;
+                std::free(real);
+            }
+        }
+        return folder_.resolved.empty() ? standardized
+                                        : Paths::join(folder_.resolved, Paths::lastComponent(standardized));
+    }
+
+    // Whether a folder above `canonical` is claimed; the answer for the folder last
+    // resolved holds until something outside it is claimed.
+    bool parentIsCovered(const std::string& canonical) {
+        const std::string parent = Paths::parentFolder(canonical);
+        if (parent != folder_.resolved || !folder_.covered) {
+            const bool covered = parent != canonical && !parent.empty() && claims.isCovered(parent);
+            if (parent != folder_.resolved)
+                return covered;
+            folder_.covered = covered;
+        }
+        return *folder_.covered;
+    }
+
+    bool parentIsWritable(const std::string& canonical) {
+        const std::string parent = Paths::parentFolder(canonical);
+        if (parent != folder_.resolved)
+            return Paths::isWritable(parent);
+        if (!folder_.writable)
+            folder_.writable = Paths::isWritable(parent);
+        return *folder_.writable;
+    }
+
+    void claim(const std::string& canonical) {
+        if (Paths::parentFolder(canonical) != folder_.resolved)
+            folder_.covered.reset();
+        claims.insert(canonical);
+    }
+
+    Folder folder_;
     const ScanOptions& options_;
 };
 
@@ -214,18 +295,32 @@ void appendLargeFiles(const std::string& categoryID, const ScanOptions& options,
 
 } // namespace
 
-std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& events, std::stop_token stop) {
+namespace {
+
+// Both entries' scan. With `result`, every item also comes back in it (what the
+// receiver left in its events); without, the events are the only copy.
+void run(const ScanOptions& options, const TakingSink& events, std::stop_token stop,
+         std::vector<ScanItem>* result) {
     report(events, ScanEvent::Status{localized("Preparing scan\u2026")});
     Collection collection(options);
     if (!collection.run(stop))
-        return {};
+        return;
 
     const std::vector<CleanCategory>& categories = CleanupRules::categories();
     const size_t count = categories.size();
-    std::vector<ScanItem> result;
+    // Room for every item found so far, made once: growing the list while the receiver
+    // holds its own copy of the items would hold them a third time.
+    if (result) {
+        size_t expected = 0;
+        for (const auto& [id, list] : collection.candidates)
+            expected += list.size();
+        for (const auto& [id, list] : collection.commandItems)
+            expected += list.size();
+        result->reserve(expected);
+    }
     for (size_t i = 0; i < count; ++i) {
         if (stop.stop_requested())
-            return result;
+            return;
         const CleanCategory& category = categories[i];
         const double n = static_cast<double>(count);
         const double position = static_cast<double>(i);
@@ -239,6 +334,10 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
             report(events, ScanEvent::Status{localizedFormat("Searching for large files (\u2265 %1)\u2026",
                                                              {formatByteCount(options.largeFileThreshold)})});
             appendLargeFiles(category.id, options, collection.claims, stop, candidates);
+            // Made now, while the receiver is not making room of its own.
+            if (result)
+                result->reserve(result->size() + candidates.size() +
+                                collection.commandItems[category.id].size());
         }
 
         std::vector<ScanItem> list = std::move(collection.commandItems[category.id]);
@@ -252,17 +351,47 @@ std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& even
                                    (position + static_cast<double>(done) / static_cast<double>(total)) / n});
             },
             stop);
-        // A category whose measurement saw the stop may hold partial sizes and a partial
-        // large-file list: it is neither reported nor returned.
-        if (stop.stop_requested())
-            return result;
-        list.insert(list.end(), std::make_move_iterator(measured.begin()),
-                    std::make_move_iterator(measured.end()));
-        result.insert(result.end(), list.begin(), list.end());
-        report(events, ScanEvent::CategoryFinished{category.id, std::move(list)});
+        candidates = {};
+        // A stop during the measurement still reports the category with what its
+        // running measurements found; the next category is not started.
+        if (list.empty())
+            list = std::move(measured);
+        else
+            list.insert(list.end(), std::make_move_iterator(measured.begin()),
+                        std::make_move_iterator(measured.end()));
+        measured = {};
+        // The items go out in the event and then come back from it into the result:
+        // one copy of a category (the receiver's) rather than two.
+        ScanEvent finished{ScanEvent::CategoryFinished{category.id, std::move(list)}};
+        events(finished);
+        if (!result)
+            continue;
+        std::vector<ScanItem>& reported = std::get<ScanEvent::CategoryFinished>(finished.value).items;
+        result->reserve(result->size() + reported.size()); // only the large files were not foreseen
+        result->insert(result->end(), std::make_move_iterator(reported.begin()),
+                       std::make_move_iterator(reported.end()));
     }
     report(events, ScanEvent::Progress{1.0});
+}
+
+} // namespace
+
+std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& events, std::stop_token stop) {
+    std::vector<ScanItem> result;
+    run(
+        options,
+        [&events](ScanEvent& event) {
+            if (events)
+                events(event);
+        },
+        std::move(stop), &result);
     return result;
+}
+
+void scanHandingOver(const ScanOptions& options, const std::function<void(ScanEvent&&)>& events,
+                     std::stop_token stop) {
+    run(
+        options, [&events](ScanEvent& event) { events(std::move(event)); }, std::move(stop), nullptr);
 }
 
 std::optional<Date> modDate(const std::string& path) {

@@ -22,12 +22,20 @@ namespace JunkScanner {
 // threads) and returns every item: categories in display order, command items
 // first. A stop requested during collection returns an empty list; between
 // categories, the finished categories.
-std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& events, std::stop_token stop = {});
+std::vector<ScanItem> scan(const ScanOptions& options, const ScanEventSink& events,
+                           std::stop_token stop = {});
+
+// The same scan for a receiver that keeps what it is told: each event is handed over
+// (a category's items moved, not copied) and nothing comes back, so a scan of many
+// items holds them once instead of twice.
+void scanHandingOver(const ScanOptions& options, const std::function<void(ScanEvent&&)>& events,
+                     std::stop_token stop = {});
 
 // The large-file search: regular files of at least the threshold under the home
 // folder and the extra roots, outside the skip set, packages and other volumes,
 // and not covered by `claims`. Polls `stop` every 5,000 entries.
-std::vector<LargeFile> largeFiles(const ScanOptions& options, const Claims& claims, std::stop_token stop = {});
+std::vector<LargeFile> largeFiles(const ScanOptions& options, const Claims& claims,
+                                  std::stop_token stop = {});
 
 // The warning note for a large file's path, if any.
 std::optional<std::string> warning(std::string_view path);

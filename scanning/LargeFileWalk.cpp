@@ -21,10 +21,10 @@ namespace {
 
 constexpr size_t direntBufferSize = 32 * 1024;
 
-// Folders deeper than this below the root are passed over like unreadable ones. It
-// bounds the descriptors a walking thread holds open (at most four threads walk),
-// far below the usual limit of 1,024 per process; homes rarely go a quarter as deep.
-constexpr size_t maxDepth = 128;
+// Folders a walking thread holds open at once (at most four threads walk), far below
+// the usual limit of 1,024 descriptors per process. Deeper down, the shallowest
+// open folders are closed and reopened on the way back up, so depth has no limit.
+constexpr size_t maxOpenFolders = 64;
 
 constexpr uint64_t cancellationInterval = 5000;
 
@@ -95,8 +95,9 @@ struct LargeFileWalk::Shared {
     Task& newTask() { return *tasks.emplace_back(std::make_unique<Task>()); }
 };
 
-// The per-thread walking state: a stack of open folders, one getdents buffer per
-// depth (reused from task to task) and the path of the entry at hand.
+// The per-thread walking state: a stack of folders, the innermost `maxOpenFolders`
+// of them open (and the task's own folder), one getdents buffer per open folder,
+// and the path of the entry at hand.
 class LargeFileWalk::Walker {
 public:
     explicit Walker(Shared& shared) : shared_(shared) {}
@@ -128,12 +129,14 @@ public:
 
 private:
     struct Frame {
-        int fd = -1;
+        int fd = -1; // -1 while closed for the budget
         ino_t inode = 0;
         size_t pathLength = 0;
         size_t position = 0;
         size_t end = 0;
+        off_t resume = 0;            // directory offset of the first entry not yet handled
         bool mayHoldSkipped = false; // some skip path lies below this folder
+        std::unique_ptr<char[]> buffer;
     };
 
     void walk(Task& task) {
@@ -144,7 +147,7 @@ private:
         }
         task_ = &task;
         path_ = task.path;
-        stack_.push_back(Frame{fd, task.chain.back(), path_.size(), 0, 0, task.mayHoldSkipped});
+        push(Frame{fd, task.chain.back(), path_.size(), 0, 0, 0, task.mayHoldSkipped, nullptr});
         while (!stack_.empty()) {
             if (!step()) {
                 shared_.stopped = true;
@@ -159,23 +162,23 @@ private:
     // Handles one entry of the innermost folder, or finishes that folder. False
     // when the walk has to stop.
     bool step() {
-        const size_t depth = stack_.size() - 1;
-        if (buffers_.size() <= depth)
-            buffers_.push_back(std::make_unique_for_overwrite<char[]>(direntBufferSize));
-        char* buffer = buffers_[depth].get();
         Frame& frame = stack_.back();
+        if (frame.fd < 0) { // could not be reopened: it changed under the walk
+            leave();
+            return true;
+        }
         if (frame.position >= frame.end) {
-            const long count = ::syscall(SYS_getdents64, frame.fd, buffer, direntBufferSize);
+            const long count = ::syscall(SYS_getdents64, frame.fd, frame.buffer.get(), direntBufferSize);
             if (count <= 0) {
-                ::close(frame.fd);
-                stack_.pop_back();
+                leave();
                 return true;
             }
             frame.position = 0;
             frame.end = static_cast<size_t>(count);
         }
-        const auto* entry = reinterpret_cast<const dirent64*>(buffer + frame.position);
+        const auto* entry = reinterpret_cast<const dirent64*>(frame.buffer.get() + frame.position);
         frame.position += entry->d_reclen;
+        frame.resume = entry->d_off;
         const char* name = entry->d_name;
         if (name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0')))
             return true;
@@ -212,6 +215,82 @@ private:
         return true;
     }
 
+    // Makes `frame` the innermost folder; past the budget, the shallowest open folder
+    // below the task's own is closed (its place in the listing is kept as an offset).
+    void push(Frame frame) {
+        if (spare_.empty())
+            frame.buffer = std::make_unique_for_overwrite<char[]>(direntBufferSize);
+        else {
+            frame.buffer = std::move(spare_.back());
+            spare_.pop_back();
+        }
+        stack_.push_back(std::move(frame));
+        if (stack_.size() - firstOpen_ + 1 > maxOpenFolders) {
+            Frame& shallowest = stack_[firstOpen_++];
+            ::close(std::exchange(shallowest.fd, -1));
+            spare_.push_back(std::move(shallowest.buffer));
+        }
+    }
+
+    // Finishes the innermost folder and makes sure the one around it is open.
+    void leave() {
+        Frame done = std::move(stack_.back());
+        stack_.pop_back();
+        if (stack_.size() > 1 && stack_.back().fd < 0) {
+            reopen(stack_.size() - 1, done.fd);
+            firstOpen_ = stack_.back().fd >= 0 ? stack_.size() - 1 : stack_.size();
+        } else if (firstOpen_ > stack_.size()) {
+            firstOpen_ = std::max<size_t>(stack_.size(), 1);
+        }
+        if (done.fd >= 0)
+            ::close(done.fd);
+        spare_.push_back(std::move(done.buffer));
+    }
+
+    // Reopens a folder closed for the budget: through ".." of the folder just left
+    // when there is one, else by name down from the task's folder; either way only
+    // if it is still the same folder (device and inode). Reading resumes where it
+    // stopped. On failure the folder stays closed and its remaining entries are lost,
+    // like those of a folder removed during the walk.
+    void reopen(size_t index, int childFd) {
+        Frame& frame = stack_[index];
+        int fd = childFd >= 0 ? openVerified(childFd, "..", frame.inode) : -1;
+        if (fd < 0) {
+            fd = ::dup(stack_.front().fd);
+            for (size_t i = 1; fd >= 0 && i <= index; ++i) {
+                const size_t from = stack_[i - 1].pathLength + 1;
+                const std::string name = path_.substr(from, stack_[i].pathLength - from);
+                const int next = openVerified(fd, name.c_str(), stack_[i].inode, O_NOFOLLOW);
+                ::close(fd);
+                fd = next;
+            }
+        }
+        if (fd >= 0 && ::lseek(fd, frame.resume, SEEK_SET) < 0) {
+            ::close(fd);
+            fd = -1;
+        }
+        if (fd < 0)
+            return;
+        frame.fd = fd;
+        frame.position = frame.end = 0;
+        if (spare_.empty())
+            frame.buffer = std::make_unique_for_overwrite<char[]>(direntBufferSize);
+        else {
+            frame.buffer = std::move(spare_.back());
+            spare_.pop_back();
+        }
+    }
+
+    int openVerified(int parentFd, const char* name, ino_t inode, int flags = 0) const {
+        const int fd = ::openat(parentFd, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags);
+        struct stat st {};
+        if (fd >= 0 && (::fstat(fd, &st) != 0 || st.st_dev != task_->device || st.st_ino != inode)) {
+            ::close(fd);
+            return -1;
+        }
+        return fd;
+    }
+
     void consider(const struct stat& st) {
         if (static_cast<int64_t>(st.st_blocks) * 512 < shared_.threshold)
             return;
@@ -222,7 +301,7 @@ private:
     }
 
     void enter(int parentFd, bool parentMayHoldSkipped, const char* name, struct stat st, bool haveStat) {
-        if (isPackageName(name) || task_->chain.size() + stack_.size() > maxDepth)
+        if (isPackageName(name))
             return;
         if (!haveStat && ::fstatat(parentFd, name, &st, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0)
             return;
@@ -243,7 +322,7 @@ private:
         if (st.st_nlink != 2 && shared_.idle.load(std::memory_order_relaxed) > 0 &&
             handOver(fd, st, mayHoldSkipped))
             return;
-        stack_.push_back(Frame{fd, st.st_ino, path_.size(), 0, 0, mayHoldSkipped});
+        push(Frame{fd, st.st_ino, path_.size(), 0, 0, 0, mayHoldSkipped, nullptr});
     }
 
     // Queues the folder as a task of its own when a thread is waiting for one.
@@ -278,15 +357,18 @@ private:
 
     void closeAll() {
         for (const Frame& frame : stack_)
-            ::close(frame.fd);
+            if (frame.fd >= 0)
+                ::close(frame.fd);
         stack_.clear();
+        firstOpen_ = 1;
     }
 
     Shared& shared_;
     Task* task_ = nullptr;
     std::string path_; // canonical path of the entry at hand
     std::vector<Frame> stack_;
-    std::vector<std::unique_ptr<char[]>> buffers_;
+    size_t firstOpen_ = 1;                       // stack_[1, firstOpen_) are closed, the others open
+    std::vector<std::unique_ptr<char[]>> spare_; // buffers of folders left or closed
     uint64_t counter_ = 0;
 };
 
@@ -344,7 +426,7 @@ void LargeFileWalk::addRoot(const std::string& root, const std::vector<std::stri
 std::vector<LargeFile> LargeFileWalk::run() {
     if (!roots_.empty()) {
         // Two threads per core, so that on a cold cache a thread waiting for the disk
-        // leaves its core to another; never more than four (see maxDepth).
+        // leaves its core to another; never more than four (see maxOpenFolders).
         const size_t threads = std::clamp<size_t>(2 * std::thread::hardware_concurrency(), 2, 4);
         std::vector<std::jthread> workers;
         try {

@@ -45,6 +45,9 @@ std::vector<ScanItem> measure(const std::vector<Candidate>& candidates, const Pr
     if (total == 0)
         return output;
 
+    // Room for every item at once: growing by doubling would hold the list twice
+    // over while it moves.
+    output.reserve(total);
     std::mutex mutex; // guards output, done, next and the progress calls
     size_t done = 0;
     size_t next = 0;

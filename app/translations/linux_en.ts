@@ -226,6 +226,13 @@
         <translation>Manage in your mail app</translation>
     </message>
     <message numerus="yes">
+        <source>Clean %Ln items? [y/N] </source>
+        <translation>
+            <numerusform>Clean %Ln item? [y/N] </numerusform>
+            <numerusform>Clean %Ln items? [y/N] </numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%Ln items</source>
         <translation>
             <numerusform>%Ln item</numerusform>

@@ -2,7 +2,10 @@
 
 #include "support/PathQueries.h"
 
+#include <QJsonDocument>
+
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
@@ -12,40 +15,22 @@
 
 extern char** environ;
 
-namespace {
-
-std::vector<std::string> childEnvironment(const FakeHome& home) {
-    std::vector<std::string> entries;
-    for (char** entry = environ; *entry; ++entry) {
-        const std::string_view text = *entry;
-        if (!text.starts_with("HOME=") && !text.starts_with("TMPDIR=") &&
-            !text.starts_with("QT_QPA_PLATFORM="))
-            entries.emplace_back(text);
-    }
-    entries.push_back("HOME=" + home.home());
-    entries.push_back("TMPDIR=" + home.tmp());
-    entries.push_back("QT_QPA_PLATFORM=offscreen");
-    return entries;
+QJsonObject CommandRun::json() const {
+    return QJsonDocument::fromJson(QByteArray::fromStdString(out)).object();
 }
-
-} // namespace
 
 CommandRun CommandRun::of(FakeHome& home, const std::vector<std::string>& arguments) {
     CommandRun run;
     const std::string outPath = home.tree().path("stdout.txt");
     const std::string errPath = home.tree().path("stderr.txt");
-
     std::vector<std::string> argv{VELTRO_BINARY};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
     std::vector<char*> argp;
     for (std::string& argument : argv)
         argp.push_back(argument.data());
     argp.push_back(nullptr);
-    std::vector<std::string> env = childEnvironment(home);
-    std::vector<char*> envp;
-    for (std::string& entry : env)
-        envp.push_back(entry.data());
-    envp.push_back(nullptr);
+    // The child takes this process's environment, where the fake home already stands.
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -54,7 +39,7 @@ CommandRun CommandRun::of(FakeHome& home, const std::vector<std::string>& argume
     posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
     const auto started = std::chrono::steady_clock::now();
     pid_t pid = -1;
-    const int spawned = ::posix_spawn(&pid, argv[0].c_str(), &actions, nullptr, argp.data(), envp.data());
+    const int spawned = ::posix_spawn(&pid, argv[0].c_str(), &actions, nullptr, argp.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (spawned != 0) {
         run.err = std::string("could not start: ") + std::strerror(spawned);

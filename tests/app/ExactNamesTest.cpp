@@ -8,18 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <set>
-
-namespace {
-
-QJsonObject parsed(const CommandRun& run) {
-    return QJsonDocument::fromJson(QByteArray::fromStdString(run.out)).object();
-}
-
-} // namespace
 
 TEST(HeadlessNames, ItemIsChosenByItsBytesAndReportsShowNamesEscaped) {
     FakeHome home;
@@ -37,7 +27,7 @@ TEST(HeadlessNames, ItemIsChosenByItsBytesAndReportsShowNamesEscaped) {
     ASSERT_EQ(scan.status, 0) << scan.err;
     std::set<QString> ids;
     size_t count = 0;
-    for (const QJsonValue& category : parsed(scan)["categories"].toArray())
+    for (const QJsonValue& category : scan.json()["categories"].toArray())
         for (const QJsonValue& item : category["items"].toArray()) {
             ids.insert(item["id"].toString());
             ++count;
@@ -49,7 +39,7 @@ TEST(HeadlessNames, ItemIsChosenByItsBytesAndReportsShowNamesEscaped) {
     EXPECT_FALSE(exists(invalid));
     EXPECT_TRUE(exists(lookAlike));
     EXPECT_TRUE(exists(forger));
-    const QJsonObject result = parsed(clean)["result"].toObject();
+    const QJsonObject result = clean.json()["result"].toObject();
     ASSERT_EQ(result["succeeded"].toArray().size(), 1);
     EXPECT_TRUE(result["succeeded"][0]["id"].toString().startsWith(QChar(0x0001)));
     ASSERT_EQ(result["trashed"].toArray().size(), 1);

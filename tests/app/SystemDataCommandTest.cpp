@@ -11,8 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <unistd.h>
 
@@ -42,7 +40,7 @@ TEST(SystemDataCommand, ReportsWhatDuMeasuresWithoutCountingAnythingTwice) {
 
     const CommandRun run = CommandRun::of(home, {"system-data", "--json"});
     ASSERT_EQ(run.status, 0) << run.err;
-    const QJsonObject report = QJsonDocument::fromJson(QByteArray::fromStdString(run.out)).object();
+    const QJsonObject report = run.json();
     std::map<std::string, QJsonObject> entries;
     for (const QJsonValue& entry : report["entries"].toArray())
         entries[entry["id"].toString().toStdString()] = entry.toObject();

@@ -9,6 +9,8 @@
 #include <QCoreApplication>
 #include <QDirIterator>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QRegularExpression>
 #include <QSet>
 #include <QXmlStreamReader>
@@ -20,27 +22,15 @@ QString fileText(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-// The string literals of C++ or QML source, escapes decoded; a C++ sentence wrapped
-// over lines as adjacent literals is one.
+// The string literals of C++ or QML source, escapes decoded (those a sentence uses are
+// JSON's too); a C++ sentence wrapped over lines as adjacent literals is one.
 QSet<QString> literalsOf(QString code) {
     code.replace(QRegularExpression(QStringLiteral("\"\\s*\\n\\s*\"")), QString());
-    static const QRegularExpression literal(QStringLiteral("\"((?:[^\"\\\\\\n]|\\\\.)*)\""));
+    static const QRegularExpression literal(QStringLiteral("\"(?:[^\"\\\\\\n]|\\\\.)*\""));
     QSet<QString> literals;
-    for (const QRegularExpressionMatch& match : literal.globalMatch(code)) {
-        const QString raw = match.captured(1);
-        QString text;
-        for (qsizetype i = 0; i < raw.size(); ++i) {
-            if (raw[i] != '\\') {
-                text += raw[i];
-            } else if (raw[++i] == 'u') {
-                text += QChar(raw.mid(i + 1, 4).toUShort(nullptr, 16));
-                i += 4;
-            } else {
-                text += raw[i] == 'n' ? QChar('\n') : raw[i];
-            }
-        }
-        literals.insert(text);
-    }
+    for (const QRegularExpressionMatch& match : literal.globalMatch(code))
+        literals.insert(
+            QJsonDocument::fromJson("[" + match.captured().toUtf8() + "]").array().at(0).toString());
     return literals;
 }
 

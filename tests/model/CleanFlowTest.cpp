@@ -8,11 +8,15 @@
 #include "support/TempTree.h"
 
 #include <QClipboard>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QRegularExpression>
 
+#include <functional>
 #include <sys/stat.h>
+#include <utility>
 
 using namespace ModelTest;
 using Phase = AppModel::Phase;
@@ -35,6 +39,25 @@ namespace {
         return ::testing::AssertionFailure() << "no purge message";
     return waitForWorkers(model);
 }
+
+// Calls `meanwhile` when the next queued call reaches the main thread, before it is
+// applied: an operation's result can then be made to land after a later one's.
+class BeforeNextQueuedCall : public QObject {
+public:
+    explicit BeforeNextQueuedCall(std::function<void()> meanwhile) : meanwhile_(std::move(meanwhile)) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::MetaCall && meanwhile_)
+            std::exchange(meanwhile_, {})();
+        return false;
+    }
+
+private:
+    std::function<void()> meanwhile_;
+};
 
 // "Deleted permanently — freed 12 KB", with the count of failures when there are any.
 QRegularExpression purgeLine(const QString& failedPart) {
@@ -148,6 +171,8 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     const std::string first = makeCacheFolder(home, "com.example.first", 100'000);
     const std::string second = makeCacheFolder(home, "com.example.second", 60'000);
     const std::string third = makeCacheFolder(home, "com.example.third", 30'000);
+    const std::string fourth = makeCacheFolder(home, "com.example.fourth", 20'000);
+    const std::string fifth = makeCacheFolder(home, "com.example.fifth", 10'000);
     const std::string trash = home.path(".local/share/Trash/files/");
     home.makeFileOfSize(".local/share/Trash/files/kept.txt", 4'000); // the user's own Trash stays untouched
     AppModel model;
@@ -181,13 +206,23 @@ TEST(CleanFlow, PurgeDeletesWhatTheCleanMovedOnlyOnce) {
     ASSERT_TRUE(purgeToEnd(model));
     EXPECT_TRUE(purgeLine(" \\(1 failed\\)").match(model.purgeMessage()).hasMatch())
         << model.purgeMessage().toStdString();
-}
 
-TEST(CleanFlow, PurgeMessageWordsTheFigures) {
-    EXPECT_EQ(AppModel::purgeText(0, 0), QStringLiteral("Deleted permanently — freed 0 KB"));
-    EXPECT_EQ(AppModel::purgeText(1'500'000, 1),
-              QStringLiteral("Deleted permanently (1 failed) — freed 1.5 MB"));
-    EXPECT_EQ(AppModel::purgeText(-4096, 12), QStringLiteral("Deleted permanently (12 failed) — freed 0 KB"));
+    // A purge that ends after a newer clean leaves that clean's list and sheet alone,
+    // and the newer list can still be purged.
+    model.setSelected(fourth, true);
+    ASSERT_TRUE(cleanToEnd(model));
+    ASSERT_TRUE(waitForWorkers(model));
+    model.setSelected(fifth, true);
+    bool newerApplied = false;
+    BeforeNextQueuedCall newerCleanFirst([&] { newerApplied = cleanToEnd(model); });
+    model.purgeLastTrashed();
+    ASSERT_TRUE(waitForWorkers(model));
+    ASSERT_TRUE(newerApplied);
+    EXPECT_FALSE(exists(trash + "com.example.fourth"));
+    EXPECT_TRUE(model.purgeMessage().isEmpty());
+    ASSERT_EQ(model.lastResult()->trashedURLs.size(), 1u);
+    ASSERT_TRUE(purgeToEnd(model));
+    EXPECT_FALSE(exists(trash + "com.example.fifth"));
 }
 
 TEST(CleanFlow, ChosenFoldersAreAddedOnceAndSearchedByTheNextScan) {
@@ -195,6 +230,8 @@ TEST(CleanFlow, ChosenFoldersAreAddedOnceAndSearchedByTheNextScan) {
     const std::string drive = home.tree().makeDir("drive");
     const std::string other = home.tree().makeDir("other");
     home.tree().makeFileOfSize("drive/film.mov", 2 * 1024 * 1024);
+    // Over a thousandth of 10^9 bytes but under a thousandth of 2^30: a gigabyte here is 2^30.
+    home.tree().makeFileOfSize("drive/under.bin", 980'000);
     std::vector<std::vector<std::string>> answers{{drive, other, drive}, {other}};
     int shown = 0;
     AppModel model;
@@ -214,7 +251,7 @@ TEST(CleanFlow, ChosenFoldersAreAddedOnceAndSearchedByTheNextScan) {
     EXPECT_EQ(notified.count("extraRootsChanged"), 1);
     EXPECT_EQ(model.phase(), Phase::idle); // adding does not scan
 
-    model.setLargeThresholdGB(1.0 / 1024); // 1 MiB
+    model.setLargeThresholdGB(1.0 / 1024);
     ASSERT_TRUE(scanToEnd(model));
     EXPECT_EQ(idsOf(itemsOf(model, "large.files")), (std::vector<std::string>{idOf(drive + "/film.mov")}));
 
@@ -228,19 +265,11 @@ TEST(CleanFlow, CopyPathPutsTheExactBytesOnTheClipboard) {
     home.installTool("brew", "exit 0");
     AppModel model;
     ASSERT_TRUE(scanToEnd(model));
-    const ScanItem* item = find(model.items(), odd);
-    ASSERT_NE(item, nullptr);
-    const QByteArray bytes(odd.data(), static_cast<qsizetype>(odd.size()));
-
+    ASSERT_NE(find(model.items(), odd), nullptr);
     QClipboard* clipboard = QGuiApplication::clipboard();
-    model.copyPath(*item);
-    ASSERT_NE(clipboard->mimeData(), nullptr);
-    EXPECT_EQ(clipboard->mimeData()->data("text/plain"), bytes);
-
-    clipboard->clear();
     model.copyItemPath(ItemKey::fromID(odd)); // as the views ask for it
     ASSERT_NE(clipboard->mimeData(), nullptr);
-    EXPECT_EQ(clipboard->mimeData()->data("text/plain"), bytes);
+    EXPECT_EQ(clipboard->mimeData()->data("text/plain"), QByteArray::fromStdString(odd));
 
     // An item without a path gives its location: the command it runs.
     model.copyItemPath("cmd.brew");

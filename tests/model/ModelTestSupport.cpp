@@ -5,13 +5,6 @@
 #include <QMetaMethod>
 #include <QTest>
 
-#include <cerrno>
-#include <cstdlib>
-#include <fcntl.h>
-#include <fstream>
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace ModelTest {
 
 bool waitFor(const std::function<bool()>& done, int timeoutMs) {
@@ -56,34 +49,9 @@ std::vector<std::string> idsOf(const ScanItems& items) {
     return ids;
 }
 
-const ScanItems& itemsOf(const AppModel& model, const std::string& categoryID) {
-    static const ScanItems none;
-    const auto found = model.itemsByCategory().find(categoryID);
-    return found == model.itemsByCategory().end() ? none : found->second;
-}
-
-bool makeAllocatedFile(const std::string& path, int64_t bytes) {
-    // Extent bookkeeping may add blocks of its own; shorten the request by what was
-    // added until the total lands exactly.
-    int64_t request = bytes;
-    for (int attempt = 0; attempt < 4 && request > 0; ++attempt) {
-        ::unlink(path.c_str());
-        const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-        if (fd < 0)
-            return false;
-        const int error = ::posix_fallocate(fd, 0, request);
-        ::fsync(fd);
-        struct stat st {};
-        const bool measured = ::fstat(fd, &st) == 0;
-        ::close(fd);
-        if (error != 0 || !measured)
-            return false;
-        const int64_t allocated = static_cast<int64_t>(st.st_blocks) * 512;
-        if (allocated == bytes)
-            return true;
-        request -= allocated - bytes;
-    }
-    return false;
+ScanItems itemsOf(const AppModel& model, const std::string& categoryID) {
+    const CategoryItems items = model.itemsOf(categoryID);
+    return ScanItems(items.begin(), items.end());
 }
 
 SignalLog::SignalLog(AppModel& model) {

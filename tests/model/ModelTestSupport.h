@@ -39,11 +39,7 @@ std::string idOf(const std::string& path);
 // The item with this id in `items`, or nullptr.
 const ScanItem* find(const ScanItems& items, const std::string& id);
 std::vector<std::string> idsOf(const ScanItems& items);
-const ScanItems& itemsOf(const AppModel& model, const std::string& categoryID);
-
-// A file whose allocated size (st_blocks * 512) is exactly `bytes`, made with
-// fallocate so it costs no writing; false when the file system cannot give that.
-bool makeAllocatedFile(const std::string& path, int64_t bytes);
+ScanItems itemsOf(const AppModel& model, const std::string& categoryID);
 
 // Counts every emission of every notify signal of the model's stored fields, by
 // signal name, from construction on.

@@ -41,7 +41,11 @@ TEST(ScanFlow, FinishedScanMarksEveryCategoryDoneSortsAndNeverMovesBackwards) {
     const std::string small = makeCacheFolder(home, "com.example.small", 10'000);
     const std::string big = makeCacheFolder(home, "com.example.big", 300'000);
     const std::string mid = makeCacheFolder(home, "com.example.mid", 100'000);
+    const std::string tie = makeCacheFolder(home, "com.example.tie", 10'000);
     home.makeFileOfSize("Library/Logs/app.log", 5'000);
+    // A command item (no size) before the measured item the scanner found after it.
+    home.installTool("brew", "exit 0");
+    const std::string brewCache = makeCacheFolder(home, "Homebrew", 10'000);
 
     AppModel model;
     model.categoryItems()->setCategoryId("user.caches");
@@ -83,10 +87,17 @@ TEST(ScanFlow, FinishedScanMarksEveryCategoryDoneSortsAndNeverMovesBackwards) {
     for (CategoryGroup group : CategoryGroups::allCases())
         EXPECT_EQ(model.state(group), State::done);
 
-    // Only categories that found something have a list, sorted largest first.
-    EXPECT_EQ(keysOf(model.itemsByCategory()), (std::set<std::string>{"user.caches", "user.logs"}));
-    EXPECT_EQ(idsOf(itemsOf(model, "user.caches")), (std::vector<std::string>{big, mid, small}));
-    EXPECT_EQ(model.categoryTable()->rowCount(), 3);
+    // Only categories that found something have a list, sorted largest first, ties in
+    // the scanner's order and unknown sizes last.
+    EXPECT_EQ(keysOf(model.itemsByCategory()),
+              (std::set<std::string>{"user.caches", "user.logs", "dev.packages"}));
+    const std::vector<std::string> scanned = idsOf(model.items());
+    const bool smallFirst =
+        std::find(scanned.begin(), scanned.end(), small) < std::find(scanned.begin(), scanned.end(), tie);
+    EXPECT_EQ(idsOf(itemsOf(model, "user.caches")),
+              (std::vector<std::string>{big, mid, smallFirst ? small : tie, smallFirst ? tie : small}));
+    EXPECT_EQ(idsOf(itemsOf(model, "dev.packages")), (std::vector<std::string>{brewCache, "cmd.brew"}));
+    EXPECT_EQ(model.categoryTable()->rowCount(), 4);
     EXPECT_EQ(model.categoryTable()->keyAt(0).toStdString(), big);
 
     ASSERT_FALSE(progress.empty());
@@ -94,41 +105,6 @@ TEST(ScanFlow, FinishedScanMarksEveryCategoryDoneSortsAndNeverMovesBackwards) {
         EXPECT_LE(progress[i - 1], progress[i]) << "at change " << i;
     EXPECT_EQ(progress.back(), 1.0);
     EXPECT_EQ(log.count("scanProgressChanged"), static_cast<int>(progress.size()));
-}
-
-TEST(ScanFlow, DisplayOrderPutsUnknownSizesLastAndKeepsTiesInScannerOrder) {
-    auto item = [](std::string id, std::optional<int64_t> size) {
-        ScanItem made;
-        made.id = std::move(id);
-        made.size = size;
-        return made;
-    };
-    const ScanItems sorted =
-        ScanResults::sortedForDisplay({item("unknown", std::nullopt), item("zero", 0), item("first", 5),
-                                       item("big", 9), item("second", 5)});
-    EXPECT_EQ(idsOf(sorted), (std::vector<std::string>{"big", "first", "second", "zero", "unknown"}));
-}
-
-TEST(ScanFlow, HalfAGigabyteThresholdIsTwoToTheTwentyNinthBytes) {
-    FakeHome home;
-    home.makeDir("Videos");
-    const std::string exact = home.path("Videos/exact.bin");
-    const std::string under = home.path("Videos/under.bin");
-    // One block under 2^29 is still far above 0.5 * 10^9.
-    if (!makeAllocatedFile(exact, 536'870'912) || !makeAllocatedFile(under, 536'870'912 - 4096))
-        GTEST_SKIP() << "this file system cannot allocate files of an exact size";
-
-    AppModel model;
-    SignalLog log(model);
-    model.setLargeThresholdGB(0.5);
-    model.setLargeThresholdGB(0.5);
-    EXPECT_EQ(log.count("largeThresholdGBChanged"), 1);
-    ASSERT_TRUE(scanToEnd(model));
-    EXPECT_EQ(idsOf(itemsOf(model, "large.files")), (std::vector<std::string>{idOf(exact)}));
-
-    model.setLargeThresholdGB(1.0);
-    ASSERT_TRUE(scanToEnd(model));
-    EXPECT_FALSE(model.itemsByCategory().contains("large.files"));
 }
 
 TEST(ScanFlow, TicksSurviveRescansOnlyForItemsFoundAgain) {
@@ -227,26 +203,39 @@ TEST(ScanFlow, StopAfterTwoCategoriesKeepsThemAndIgnoresWhatComesLate) {
     EXPECT_TRUE(model.showConfirm());
 }
 
-TEST(ScanFlow, StopBeforeAnyCategoryReturnsToIdleAndKeepsTheLastScanDate) {
+// A stop outside a scan settles the phase on what is listed: idle without items, ready
+// with them and a new scan date. One before any category started empties the list and
+// keeps the last scan's date.
+TEST(ScanFlow, StopOutsideAScanOrBeforeAnyCategorySettlesThePhase) {
     FakeHome home;
-    const std::string slow = home.path("slow-probe");
-    home.installTool("xcrun", "[ -e '" + slow + "' ] && sleep 3\necho 'iPhone (unavailable)'");
     AppModel model;
     ASSERT_TRUE(scanToEnd(model));
-    const QDateTime firstScan = model.lastScanDate();
-    ASSERT_TRUE(firstScan.isValid());
+    ASSERT_TRUE(model.items().empty());
+    ASSERT_EQ(model.phase(), Phase::ready);
+    const QDateTime emptyScan = model.lastScanDate();
+    ASSERT_TRUE(emptyScan.isValid());
+    model.cancelScan();
+    EXPECT_EQ(model.phase(), Phase::idle);
+    EXPECT_EQ(model.lastScanDate(), emptyScan);
 
-    home.makeFile("slow-probe");
-    model.scan();
+    makeCacheFolder(home, "com.example.found", 10'000);
+    ASSERT_TRUE(scanToEnd(model));
+    const std::optional<Date> finished = model.lastScanTime();
+    model.cancelScan();
+    EXPECT_EQ(model.phase(), Phase::ready);
+    EXPECT_GT(model.lastScanTime(), finished);
+    const QDateTime lastScan = model.lastScanDate();
+
     // The probes run before any category starts; this one holds that phase for seconds.
+    home.installTool("xcrun", "sleep 3\necho 'iPhone (unavailable)'");
+    model.scan();
     ASSERT_TRUE(waitFor([&] { return model.statusText() == QStringLiteral("Preparing scan…"); }));
     model.cancelScan();
     EXPECT_EQ(model.phase(), Phase::idle);
-    EXPECT_EQ(model.lastScanDate(), firstScan);
+    EXPECT_EQ(model.lastScanDate(), lastScan);
     EXPECT_TRUE(model.categoryState().empty());
     EXPECT_TRUE(model.items().empty());
     EXPECT_TRUE(model.statusText().isEmpty());
-
     SignalLog log(model);
     ASSERT_TRUE(waitForWorkers(model));
     EXPECT_EQ(log.total(), 0);

@@ -3,6 +3,7 @@
 // nothing was moved into it.
 
 #include "platform/TrashDatedFolder.h"
+#include "platform/TrashFolders.h"
 
 #include "support/PathQueries.h"
 #include "support/TempTree.h"
@@ -14,6 +15,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,13 +27,6 @@ using namespace std::chrono;
 Date stampTime() {
     ::setenv("TZ", "UTC0", 1);
     return Date(sys_days(year(2025) / January / 14) + 9h + 30min + 15s);
-}
-
-struct stat statOf(const std::string& path) {
-    struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0)
-        st.st_ino = 0;
-    return st;
 }
 
 // A home belonging to the user the batch acts for (the test's own user when it
@@ -60,6 +55,7 @@ TEST(TrashDatedFolder, MakesTheTrashAndTakesTheNextFreeNameAllTheUsers) {
     // A second batch in the same second never shares the first one's folder.
     Trash::DatedFolder second = user.create();
     ASSERT_EQ(second.error, 0) << std::strerror(second.error);
+    ASSERT_EQ(Trash::handOverDatedFolder(second, user.owner, user.group), 0);
     EXPECT_EQ(first.location, user.trash + "/files/" + stamp);
     EXPECT_EQ(second.name, stamp + " 1");
     EXPECT_EQ(second.location, user.trash + "/files/" + stamp + " 1");
@@ -122,5 +118,21 @@ TEST(TrashDatedFolder, RefusesATrashThatIsALinkOrSomebodyElses) {
             EXPECT_EQ(dated.error, EACCES) << c.what;
         EXPECT_FALSE(dated.folder) << c.what;
         EXPECT_EQ(describeDifferences(before, snapshotTree(user.tree.root())), "") << c.what;
+    }
+}
+
+// What a user who may write the trash swaps in for a folder just made is never
+// claimed: only the process's own empty folder is.
+TEST(TrashDatedFolder, OnlyTheFolderJustMadeIsClaimed) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "a folder of another user needs root";
+    UserHome user; // "home" is the user's
+    user.tree.makeFile("full/kept", "k");
+    user.tree.makeSymlink("link", user.tree.path("full"));
+    user.tree.makeDir("made");
+    const SafeFs::Dir parent(::open(user.tree.root().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    for (const std::string name : {"home", "full", "link", "full/kept", "made"}) {
+        SafeFs::Dir dir;
+        EXPECT_EQ(TrashFolders::openJustMade(parent.fd(), name, dir) == 0 && dir, name == "made") << name;
     }
 }

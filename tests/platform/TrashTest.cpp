@@ -1,5 +1,6 @@
 #include "platform/Trash.h"
 #include "platform/Environment.h"
+#include "platform/Paths.h"
 #include "platform/TrashInfo.h"
 
 #include "support/FakeHome.h"
@@ -23,13 +24,6 @@
 #include <unistd.h>
 
 namespace {
-
-struct stat statOf(const std::string& path) {
-    struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0)
-        st.st_ino = 0;
-    return st;
-}
 
 bool isLinkRefusal(int error) {
     return error == ELOOP || error == ENOTDIR;
@@ -348,4 +342,24 @@ TEST(Trash, TheDesktopsTrashListingShowsWhatWasMoved) {
     }
     EXPECT_EQ(::pclose(listing), 0) << "gio needs the gvfs package: run scripts/bootstrap";
     EXPECT_EQ(listed, expected);
+}
+
+// A rename would take the mount along into the Trash.
+TEST(Trash, AFolderWithSomethingMountedInsideStaysWhereItIs) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "mounting needs root";
+    TrashHome home;
+    // A name the mount table escapes, and beside it "x", which only starts the same.
+    const std::string mounted = home.makeDir("Projects/x \\y\n/mnt");
+    home.makeDir("Projects/x");
+    const int status = runInChild([&] {
+        if (!enterPrivateMountNamespace() ||
+            ::mount("veltro-test", mounted.c_str(), "tmpfs", 0, nullptr) != 0)
+            return kChildCannotSetUp;
+        const int refused = Trash::moveToTrash(Paths::parentFolder(mounted)).error;
+        return refused == EBUSY && exists(mounted) ? Trash::moveToTrash(home.path("Projects/x")).error : 1;
+    });
+    if (status == kChildCannotSetUp)
+        GTEST_SKIP() << "mounting is not permitted here";
+    EXPECT_EQ(status, 0);
 }

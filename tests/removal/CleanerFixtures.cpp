@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <sstream>
 
 FakeHome& cleanerHome() {
     static FakeHome home;
@@ -32,11 +33,11 @@ void CleanerHomeTest::TearDown() {
 }
 
 std::string CleanerHomeTest::areaFile(const std::string& relative, const std::string& content) const {
-    return home.tree().makeFile(area.substr(home.tree().root().size() + 1) + "/" + relative, content);
+    return home.tree().makeFile(area + "/" + relative, content);
 }
 
 std::string CleanerHomeTest::areaDir(const std::string& relative) const {
-    return home.tree().makeDir(area.substr(home.tree().root().size() + 1) + "/" + relative);
+    return home.tree().makeDir(area + "/" + relative);
 }
 
 ScanItem pathItem(const std::string& path, RemovalMethod method, std::optional<int64_t> size) {
@@ -61,16 +62,10 @@ ScanItem commandItem(const std::string& id, const std::string& command, bool adm
 
 std::vector<std::string> itemLines(const std::string& script) {
     std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < script.size()) {
-        size_t end = script.find('\n', start);
-        if (end == std::string::npos)
-            end = script.size();
-        const std::string line = script.substr(start, end - start);
+    std::istringstream in(script);
+    for (std::string line; std::getline(in, line);)
         if (line.starts_with("mv_item ") || line.starts_with("rm_item ") || line.starts_with("run_cmd "))
             lines.push_back(line);
-        start = end + 1;
-    }
     return lines;
 }
 

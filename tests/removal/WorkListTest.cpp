@@ -85,3 +85,13 @@ TEST(HelperMeasurement, SumsLeadingNumbersAsAwkDoes) {
     EXPECT_EQ(HelperMeasurement::sumOfFirstFields(""), 0);
     EXPECT_EQ(HelperMeasurement::sumOfFirstFields("9007199254740993\t/huge\n"), 9007199254740993);
 }
+
+TEST(WorkList, TimesADateCannotHoldAreRefused) {
+    const auto withTime = [](const std::string& time) {
+        return WorkList::decodeBatch(
+            fields({"user", "1", "1", "home", "/h", "tmp", "/t", "trash", "/h/T", "time", time, "end"}));
+    };
+    for (const char* time : {"9223372036854775807", "-9223372036854775808", "9223372037"})
+        EXPECT_FALSE(withTime(time).has_value()) << time;
+    EXPECT_TRUE(withTime("9223372036").has_value());
+}

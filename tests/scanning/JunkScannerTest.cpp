@@ -12,13 +12,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fcntl.h>
+#include <ctime>
 #include <set>
 #include <sys/stat.h>
 
 namespace {
-
-using namespace std::chrono_literals;
 
 constexpr int64_t day = 86'400;
 
@@ -27,30 +25,12 @@ std::string categoryOf(const RecordedScan& scan, const std::string& id) {
     return found ? found->categoryID : "(none)";
 }
 
-void setModified(const std::string& path, Date date) {
-    const auto since = date.time_since_epoch();
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(since);
-    timespec times[2];
-    times[0].tv_sec = static_cast<time_t>(seconds.count());
-    times[0].tv_nsec = static_cast<long>((since - seconds).count());
-    times[1] = times[0];
-    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << path;
-}
-
-Date daysAgo(int days) {
-    return Dates::now() - std::chrono::seconds(days * day);
-}
-
-size_t countOf(const RecordedScan& scan, const std::string& id) {
-    return static_cast<size_t>(std::count_if(scan.items.begin(), scan.items.end(),
-                                             [&](const ScanItem& item) { return item.id == id; }));
-}
-
 } // namespace
 
 // The first rule in table order that reaches a path owns it; a later rule naming an
 // ancestor splits around it and gets every other entry, without the name filters of
-// a children source. Protected folders and the Finder's files are nobody's.
+// a children source. Protected folders and the Finder's files are nobody's, and the
+// places of rules that need Full Disk Access are nobody's without it.
 TEST(JunkScanner, EachPathGoesToTheFirstRuleThatReachesIt) {
     FakeHome home;
     for (const char* file :
@@ -58,8 +38,14 @@ TEST(JunkScanner, EachPathGoesToTheFirstRuleThatReachesIt) {
           "Library/Caches/pip/http/wheel", "Library/Caches/Yarn/v6/package",
           "Library/Caches/com.example.app/db", "Library/Caches/.DS_Store",
           "Library/Logs/DiagnosticReports/app.crash", "Library/Logs/DiagnosticReports/.DS_Store",
-          "Library/Logs/CoreSimulator/device/system.log", "Library/Logs/app.log"})
+          "Library/Logs/CoreSimulator/device/system.log", "Library/Logs/app.log",
+          "Library/Containers/com.example.notes/Data/Library/Caches/web/blob",
+          "Library/Containers/com.apple.mail/Data/Library/Mail Downloads/report.pdf"})
         home.makeFile(file, file);
+    const std::string sandboxCache =
+        home.path("Library/Containers/com.example.notes/Data/Library/Caches/web");
+    const std::string attachment =
+        home.path("Library/Containers/com.apple.mail/Data/Library/Mail Downloads/report.pdf");
 
     const RecordedScan scan = recordScan(quietOptions());
 
@@ -80,8 +66,11 @@ TEST(JunkScanner, EachPathGoesToTheFirstRuleThatReachesIt) {
     };
     for (const auto& [path, category] : owners)
         EXPECT_EQ(categoryOf(scan, home.path(path)), category) << path;
+    EXPECT_EQ(categoryOf(scan, sandboxCache), "(none)");
+    EXPECT_EQ(categoryOf(scan, attachment), "(none)");
+    std::set<std::string> ids;
     for (const ScanItem& item : scan.items)
-        EXPECT_EQ(countOf(scan, item.id), 1u) << item.id;
+        EXPECT_TRUE(ids.insert(item.id).second) << item.id << " offered twice";
 
     const ScanItem* google = scan.item(home.path("Library/Caches/Google"));
     ASSERT_NE(google, nullptr);
@@ -90,6 +79,10 @@ TEST(JunkScanner, EachPathGoesToTheFirstRuleThatReachesIt) {
                                  allocatedBytes(home.path("Library/Caches/Google/Chrome/data")),
                                  JunkScanner::modDate(home.path("Library/Caches/Google")),
                                  RemovalMethod::trash(), std::nullopt}));
+
+    const RecordedScan withAccess = recordScan(quietOptions(true));
+    EXPECT_EQ(categoryOf(withAccess, sandboxCache), "apps.sandbox");
+    EXPECT_EQ(categoryOf(withAccess, attachment), "user.mail");
 }
 
 TEST(JunkScanner, SplittingStopsFourLevelsDown) {
@@ -105,7 +98,7 @@ TEST(JunkScanner, SplittingStopsFourLevelsDown) {
     home.makeFile("Library/Caches/a/b/c/d/s4", "4");
     const std::string old = home.makeFile("Library/Caches/a/b/c/d/tmp/old", "old");
     home.makeFile("Library/Caches/a/b/c/d/tmp/new", "new");
-    setModified(old, daysAgo(10));
+    setModificationTime(old, std::time(nullptr) - 10 * day);
 
     const RecordedScan scan = recordScan(quietOptions());
 
@@ -132,26 +125,26 @@ TEST(JunkScanner, AgeCutoffKeepsTheCutoffItselfAndDropsNewerEntries) {
     // The scan takes its own "now" a moment later than this one, which moves its
     // cutoff later too: the entry dated exactly at this cutoff is at or before the
     // scan's cutoff, and the one a second newer is after it as long as the scan
-    // reaches the rule within that second.
-    const Date now = Dates::now();
-    const Date cutoff = now - std::chrono::seconds(90 * day);
-    setModified(atCutoff, cutoff);
-    setModified(secondNewer, cutoff + 1s);
-    setModified(minuteNewer, cutoff + 60s);
-    setModified(ancient, cutoff - std::chrono::seconds(400 * day));
+    // reaches the rule within the same second.
+    const int64_t now = std::time(nullptr);
+    const int64_t cutoff = now - 90 * day;
+    setModificationTime(atCutoff, cutoff);
+    setModificationTime(secondNewer, cutoff + 1);
+    setModificationTime(minuteNewer, cutoff + 60);
+    setModificationTime(ancient, cutoff - 400 * day);
 
     const RecordedScan scan = recordScan(quietOptions());
-    const auto elapsed = Dates::now() - now;
+    const bool sameSecond = std::time(nullptr) == now;
 
     EXPECT_EQ(categoryOf(scan, atCutoff), "user.downloads");
     EXPECT_EQ(categoryOf(scan, ancient), "user.downloads");
     EXPECT_EQ(scan.item(minuteNewer), nullptr);
-    if (elapsed < 1s) {
+    if (sameSecond) {
         EXPECT_EQ(scan.item(secondNewer), nullptr);
     }
     const ScanItem* kept = scan.item(atCutoff);
     ASSERT_NE(kept, nullptr);
-    EXPECT_EQ(kept->modified, cutoff);
+    EXPECT_EQ(kept->modified, Date{std::chrono::seconds{cutoff}});
 }
 
 // Commands Linux has its own form of run in that form, offered where its tool is
@@ -204,28 +197,6 @@ TEST(JunkScanner, CommandSourcesFollowTheirToolAndProbe) {
     EXPECT_NE(scan.item("cmd.brew"), nullptr);
 }
 
-TEST(JunkScanner, FullDiskAccessRulesNeedAccessButAreAlwaysReported) {
-    FakeHome home;
-    const std::string sandboxCache =
-        home.path("Library/Containers/com.example.notes/Data/Library/Caches/web");
-    home.makeFile("Library/Containers/com.example.notes/Data/Library/Caches/web/blob", "blob");
-    const std::string attachment =
-        home.makeFile("Library/Containers/com.apple.mail/Data/Library/Mail Downloads/report.pdf", "pdf");
-
-    const RecordedScan without = recordScan(quietOptions(false));
-    EXPECT_TRUE(without.idsIn("apps.sandbox").empty());
-    EXPECT_TRUE(without.idsIn("user.mail").empty());
-    for (const char* id : {"apps.sandbox", "user.mail"}) {
-        const auto* finished = without.finished(id);
-        ASSERT_NE(finished, nullptr) << id;
-        EXPECT_TRUE(finished->items.empty());
-    }
-
-    const RecordedScan with = recordScan(quietOptions(true));
-    EXPECT_EQ(categoryOf(with, sandboxCache), "apps.sandbox");
-    EXPECT_EQ(categoryOf(with, attachment), "user.mail");
-}
-
 TEST(JunkScanner, UnreadableAdminFolderIsKeptWithoutSize) {
     FakeHome home;
     home.makeFile("Library/Caches/locked.cache/secret", "secret");
@@ -240,25 +211,19 @@ TEST(JunkScanner, UnreadableAdminFolderIsKeptWithoutSize) {
     const std::string openFolder = home.path("Library/Caches/open.cache");
     const std::string emptyFolder = home.path("Library/Caches/empty.cache");
     const int status = runUnprivileged([&] {
-        const std::vector<ScanItem> items = JunkScanner::scan(quietOptions(), {});
-        const auto find = [&](const std::string& id) -> const ScanItem* {
-            for (const ScanItem& item : items)
-                if (item.id == id)
-                    return &item;
-            return nullptr;
-        };
-        const ScanItem* unreadable = find(lockedFolder);
+        const RecordedScan scan = recordScan(quietOptions());
+        const ScanItem* unreadable = scan.item(lockedFolder);
         if (!unreadable)
             return 10;
         if (unreadable->size || unreadable->method != RemovalMethod::adminTrash() ||
             unreadable->note != "Size unreadable (needs administrator access)" ||
             unreadable->url != lockedFolder)
             return 11;
-        const ScanItem* readable = find(openFolder);
+        const ScanItem* readable = scan.item(openFolder);
         if (!readable || readable->size != allocatedBytes(openFolder + "/data") ||
             readable->method != RemovalMethod::adminTrash() || readable->note)
             return 12;
-        if (find(emptyFolder))
+        if (scan.item(emptyFolder))
             return 13;
         return 0;
     });
@@ -285,13 +250,15 @@ TEST(JunkScanner, EventSequenceOfAFullScan) {
 
     size_t at = 1;
     std::vector<ScanItem> reported;
+    std::vector<double> progress;
     for (int i = 0; i < n; ++i) {
         const CleanCategory& category = categories[static_cast<size_t>(i)];
         SCOPED_TRACE(category.id);
         ASSERT_LT(at + 3, scan.events.size());
         EXPECT_EQ(scan.events[at++], (ScanEvent{ScanEvent::CategoryStarted{category.id, i + 1, n}}));
         EXPECT_EQ(scan.events[at++], (ScanEvent{ScanEvent::Status{"Scanning " + category.title + "\u2026"}}));
-        EXPECT_EQ(scan.events[at++], (ScanEvent{ScanEvent::Progress{static_cast<double>(i) / n}}));
+        progress.push_back(static_cast<double>(i) / n);
+        EXPECT_EQ(scan.events[at++], (ScanEvent{ScanEvent::Progress{progress.back()}}));
         if (category.group == CategoryGroup::large) {
             EXPECT_EQ(scan.events[at++],
                       (ScanEvent{ScanEvent::Status{"Searching for large files (\u2265 1.5 MB)\u2026"}}));
@@ -299,6 +266,7 @@ TEST(JunkScanner, EventSequenceOfAFullScan) {
         std::vector<double> steps;
         while (at < scan.events.size() && std::holds_alternative<ScanEvent::Progress>(scan.events[at].value))
             steps.push_back(std::get<ScanEvent::Progress>(scan.events[at++].value).value);
+        progress.insert(progress.end(), steps.begin(), steps.end());
         if (category.id == "user.state") {
             // 25 measurements: progress after the 10th, the 20th and the last.
             EXPECT_EQ(steps, (std::vector<double>{(i + 10.0 / 25) / n, (i + 20.0 / 25) / n, (i + 1.0) / n}));
@@ -312,70 +280,59 @@ TEST(JunkScanner, EventSequenceOfAFullScan) {
     ASSERT_EQ(at + 1, scan.events.size());
     EXPECT_EQ(scan.events.back(), (ScanEvent{ScanEvent::Progress{1.0}}));
 
-    const std::vector<double> progress = scan.progressValues();
     EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
-    EXPECT_EQ(progress.back(), 1.0);
     EXPECT_EQ(scan.items, reported);
     EXPECT_EQ(scan.idsIn("user.state").size(), 25u);
     EXPECT_EQ(scan.idsIn("large.files"), (std::vector<std::string>{home.path("Documents/video.mov")}));
 }
 
-TEST(JunkScanner, StopDuringCollectionReturnsNothing) {
-    FakeHome home;
-    home.makeFile(".Trash/old.txt", "trash");
-
-    const RecordedScan scan =
-        recordScan(quietOptions(), [](const ScanEvent&, std::stop_source& stop) { stop.request_stop(); });
-
-    EXPECT_TRUE(scan.items.empty());
-    EXPECT_EQ(scan.events, (std::vector<ScanEvent>{ScanEvent{ScanEvent::Status{"Preparing scan\u2026"}}}));
-}
-
-TEST(JunkScanner, StopBetweenCategoriesReturnsTheFinishedOnes) {
-    FakeHome home;
-    home.makeFile(".Trash/old.txt", "trash");
-    home.makeFile("Library/Saved Application State/app.savedState/windows", "state");
-    const std::string secondID = CleanupRules::categories()[1].id;
-
-    const RecordedScan scan = recordScan(quietOptions(), [&](const ScanEvent& event, std::stop_source& stop) {
-        if (const auto* finished = std::get_if<ScanEvent::CategoryFinished>(&event.value);
-            finished && finished->id == secondID)
-            stop.request_stop();
-    });
-
-    ASSERT_NE(scan.finished("user.trash"), nullptr);
-    EXPECT_EQ(scan.items, scan.finished("user.trash")->items);
-    EXPECT_EQ(scan.idsIn("user.trash"), (std::vector<std::string>{home.path(".Trash/old.txt")}));
-    EXPECT_EQ(scan.items.front().method, RemovalMethod::permanent());
-    ASSERT_FALSE(scan.events.empty());
-    EXPECT_TRUE(std::holds_alternative<ScanEvent::CategoryFinished>(scan.events.back().value));
-    EXPECT_EQ(scan.finished("user.state"), nullptr);
-}
-
-TEST(JunkScanner, StopDuringMeasurementDropsTheUnfinishedCategory) {
+// A stop during collection returns nothing; between categories, the finished ones;
+// during a category's measurement, that category too, reported as finished with what
+// the running measurements found, and nothing after it.
+TEST(JunkScanner, AStopKeepsTheCategoriesItFinished) {
     FakeHome home;
     home.makeFile(".Trash/old.txt", "trash");
     for (int i = 0; i < 40; ++i)
         home.makeFile("Library/Saved Application State/app" + std::to_string(i) + ".savedState/windows",
                       "state");
-    bool inState = false;
-    int progressInState = 0;
+    const std::vector<std::string> trashed{home.path(".Trash/old.txt")};
+
+    RecordedScan scan =
+        recordScan(quietOptions(), [](const ScanEvent&, std::stop_source& stop) { stop.request_stop(); });
+    EXPECT_TRUE(scan.items.empty());
+    EXPECT_EQ(scan.events, (std::vector<ScanEvent>{ScanEvent{ScanEvent::Status{"Preparing scan\u2026"}}}));
+
+    const std::string secondID = CleanupRules::categories()[1].id;
+    scan = recordScan(quietOptions(), [&](const ScanEvent& event, std::stop_source& stop) {
+        if (const auto* finished = std::get_if<ScanEvent::CategoryFinished>(&event.value);
+            finished && finished->id == secondID)
+            stop.request_stop();
+    });
+    ASSERT_EQ(scan.idsIn("user.trash"), trashed);
+    ASSERT_NE(scan.finished("user.trash"), nullptr);
+    EXPECT_EQ(scan.items, scan.finished("user.trash")->items);
+    EXPECT_EQ(scan.items.front().method, RemovalMethod::permanent());
+    EXPECT_TRUE(std::holds_alternative<ScanEvent::CategoryFinished>(scan.events.back().value));
+    EXPECT_EQ(scan.finished("user.state"), nullptr);
 
     // The category's first progress event is its start; the second comes after its
     // 10th measurement.
-    const RecordedScan scan = recordScan(quietOptions(), [&](const ScanEvent& event, std::stop_source& stop) {
+    bool inState = false;
+    int progressInState = 0;
+    scan = recordScan(quietOptions(), [&](const ScanEvent& event, std::stop_source& stop) {
         if (const auto* started = std::get_if<ScanEvent::CategoryStarted>(&event.value))
             inState = started->id == "user.state";
         else if (inState && std::holds_alternative<ScanEvent::Progress>(event.value) &&
                  ++progressInState == 2)
             stop.request_stop();
     });
-
     ASSERT_EQ(progressInState, 2);
-    EXPECT_EQ(scan.idsIn("user.trash"), (std::vector<std::string>{home.path(".Trash/old.txt")}));
-    EXPECT_TRUE(scan.idsIn("user.state").empty());
-    EXPECT_EQ(scan.finished("user.state"), nullptr);
-    ASSERT_FALSE(scan.events.empty());
-    // No measurement started after the stop, so the 20th never completed.
-    EXPECT_TRUE(std::holds_alternative<ScanEvent::Progress>(scan.events.back().value));
+    EXPECT_EQ(scan.idsIn("user.trash"), trashed);
+    // The ten measured and those still running at the stop are kept; nothing new starts.
+    const ScanEvent::CategoryFinished* finished = scan.finished("user.state");
+    ASSERT_NE(finished, nullptr);
+    EXPECT_GE(finished->items.size(), 10u);
+    EXPECT_LT(finished->items.size(), 18u);
+    EXPECT_EQ(scan.idsIn("user.state").size(), finished->items.size());
+    EXPECT_EQ(&std::get<ScanEvent::CategoryFinished>(scan.events.back().value), finished);
 }

@@ -1,10 +1,12 @@
 #include "ScanRecorder.h"
 
 #include "platform/Paths.h"
+#include "support/DeepTree.h"
 #include "support/FakeHome.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/mount.h>
@@ -22,13 +24,6 @@ std::vector<std::string> pathsOf(const std::vector<LargeFile>& hits) {
     return paths;
 }
 
-bool contains(const std::vector<LargeFile>& hits, const std::string& path) {
-    for (const LargeFile& hit : hits)
-        if (hit.path == path)
-            return true;
-    return false;
-}
-
 ScanOptions search(int64_t threshold, std::vector<std::string> extraRoots = {},
                    bool hasFullDiskAccess = false) {
     return ScanOptions{threshold, std::move(extraRoots), hasFullDiskAccess};
@@ -38,7 +33,6 @@ const std::string vmWarning =
     "\u26A0\uFE0F VM/Docker disk \u2014 deleting it destroys everything inside the VM";
 const std::string cloudWarning =
     "\u2601\uFE0F In iCloud Drive \u2014 deleting removes it from all your devices";
-const std::string photosWarning = "\u26A0\uFE0F Inside a Photos library";
 
 // Regular files below `folder` in the order of a plain recursive walk: each
 // folder in listing order, a subfolder entered where it is listed.
@@ -64,40 +58,35 @@ void walkInOrder(const std::string& folder, std::vector<std::string>& files) {
 
 } // namespace
 
-TEST(LargeFiles, ThresholdIsInclusiveOnAllocatedSize) {
+// At or above the threshold by allocated size, a sparse file's length not counting;
+// below 1 every regular file, of which the scanner keeps those that occupy space.
+TEST(LargeFiles, ThresholdIsInclusiveOnAllocatedSizeAndBelowOneTakesEveryRegularFile) {
     FakeHome home;
     const std::string file = home.makeFileOfSize("Documents/disk.img", mebibyte);
-    const int64_t allocated = allocatedBytes(file);
-    ASSERT_GE(allocated, mebibyte);
-    const Claims none;
-
-    const std::vector<LargeFile> atSize = JunkScanner::largeFiles(search(allocated), none);
-    ASSERT_EQ(pathsOf(atSize), std::vector<std::string>{file});
-    EXPECT_EQ(atSize[0].modified, JunkScanner::modDate(file));
-    EXPECT_EQ(atSize[0].note, std::nullopt);
-    EXPECT_TRUE(JunkScanner::largeFiles(search(allocated + 1), none).empty());
-    // A sparse file's logical length does not count.
-    home.tree().makeSparseFile("home/Documents/sparse.img", 64 * mebibyte);
-    EXPECT_EQ(pathsOf(JunkScanner::largeFiles(search(2 * mebibyte), none)), std::vector<std::string>{});
-}
-
-TEST(LargeFiles, ThresholdBelowOneTakesEveryRegularFileAndTheScannerDropsEmptyOnes) {
-    FakeHome home;
+    const std::string sparse = home.tree().makeSparseFile("home/Documents/sparse.img", 64 * mebibyte);
     const std::string empty = home.makeFile("notes/empty.txt");
     const std::string small = home.makeFile("notes/small.txt", "small");
     home.tree().makeSymlink("home/notes/link.txt", small);
     home.tree().makeFifo("home/notes/pipe");
+    const int64_t allocated = allocatedBytes(file);
+    ASSERT_GE(allocated, mebibyte);
+    const auto sortedPaths = [](std::vector<std::string> paths) {
+        std::sort(paths.begin(), paths.end());
+        return paths;
+    };
 
-    const std::vector<LargeFile> hits = JunkScanner::largeFiles(search(0), Claims{});
-    EXPECT_TRUE(contains(hits, empty));
-    EXPECT_TRUE(contains(hits, small));
-    EXPECT_EQ(hits.size(), 2u);
+    const std::vector<LargeFile> atSize = JunkScanner::largeFiles(search(allocated), Claims{});
+    ASSERT_EQ(pathsOf(atSize), std::vector<std::string>{file});
+    EXPECT_EQ(atSize[0].modified, JunkScanner::modDate(file));
+    EXPECT_EQ(atSize[0].note, std::nullopt);
+    EXPECT_TRUE(JunkScanner::largeFiles(search(allocated + 1), Claims{}).empty());
+    EXPECT_EQ(sortedPaths(pathsOf(JunkScanner::largeFiles(search(0), Claims{}))),
+              (std::vector<std::string>{file, sparse, empty, small}));
 
     const RecordedScan scan = recordScan(search(-1));
-    EXPECT_EQ(scan.idsIn("large.files"), std::vector<std::string>{small});
+    EXPECT_EQ(sortedPaths(scan.idsIn("large.files")), (std::vector<std::string>{file, small}));
     ASSERT_NE(scan.item(small), nullptr);
     EXPECT_EQ(scan.item(small)->method, RemovalMethod::trash());
-    ASSERT_NE(scan.finished("large.files"), nullptr);
     EXPECT_NE(std::find(scan.events.begin(), scan.events.end(),
                         ScanEvent{ScanEvent::Status{"Searching for large files (\u2265 0 KB)\u2026"}}),
               scan.events.end());
@@ -138,40 +127,34 @@ TEST(LargeFiles, FilesInsideClaimedFoldersBelongToTheirCategory) {
     EXPECT_EQ(scan.item(build), nullptr);
 }
 
-TEST(LargeFiles, RootsAreSortedAndOverlapsReportedOnce) {
-    FakeHome home;
-    const std::string inHome = home.makeFileOfSize("Projects/data.bin", mebibyte);
-    const std::string outside = home.tree().makeFileOfSize("aaa-extra/data.bin", mebibyte);
-    ASSERT_LT(home.tree().path("aaa-extra"), home.home());
-
-    const std::vector<LargeFile> hits = JunkScanner::largeFiles(
-        search(mebibyte, {home.path("Projects"), home.tree().path("aaa-extra") + "/", home.path("Projects")}),
-        Claims{});
-
-    EXPECT_EQ(pathsOf(hits), (std::vector<std::string>{outside, inHome}));
-}
-
-TEST(LargeFiles, PackagesAndOtherVolumesAreNotEntered) {
+// Roots are walked once each in sorted order, a volume given as a root too; below a
+// root neither packages nor other volumes are entered.
+TEST(LargeFiles, RootsAreSortedAndWalkedOnceWithoutPackagesOrOtherVolumes) {
     FakeHome home;
     home.makeFileOfSize("Applications/Foo.app/Contents/Resources/big.bin", mebibyte);
     home.makeFileOfSize("Applications/Bar.FRAMEWORK/big.bin", mebibyte);
     const std::string plain = home.makeFileOfSize("Applications/not.a.package.dir/big.bin", mebibyte);
+    const std::string outside = home.tree().makeFileOfSize("aaa-extra/data.bin", mebibyte);
+    ASSERT_LT(home.tree().path("aaa-extra"), home.home());
     const std::string mountPoint = home.makeDir("mnt");
-    bool mounted = ::mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=8m") == 0;
+    const bool mounted = ::mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=8m") == 0;
     if (mounted)
         home.makeFileOfSize("mnt/big.bin", mebibyte);
 
-    const std::vector<LargeFile> hits = JunkScanner::largeFiles(search(mebibyte), Claims{});
+    const std::vector<LargeFile> hits = JunkScanner::largeFiles(
+        search(mebibyte,
+               {home.path("Applications"), home.tree().path("aaa-extra") + "/", home.path("Applications")}),
+        Claims{});
     std::vector<LargeFile> rootedAtMount;
     if (mounted) {
         rootedAtMount = JunkScanner::largeFiles(search(mebibyte, {mountPoint}), Claims{});
         ::umount(mountPoint.c_str());
     }
 
-    EXPECT_EQ(pathsOf(hits), std::vector<std::string>{plain});
+    EXPECT_EQ(pathsOf(hits), (std::vector<std::string>{outside, plain}));
     if (!mounted)
         GTEST_SKIP() << "cannot mount a tmpfs here";
-    // A volume given as a root is walked (after the home folder, which sorts first).
+    // After the home folder, which sorts first.
     EXPECT_EQ(pathsOf(rootedAtMount), (std::vector<std::string>{plain, home.path("mnt/big.bin")}));
 }
 
@@ -195,21 +178,11 @@ TEST(LargeFiles, HitsCarryCanonicalPathsAndWarnings) {
         else
             ADD_FAILURE() << "unexpected hit " << hit.path;
     }
-}
-
-TEST(LargeFiles, WarningsInOrder) {
-    EXPECT_EQ(JunkScanner::warning("/Users/a/Docker.RAW"), vmWarning);
-    EXPECT_EQ(JunkScanner::warning("/Users/a/OrbStack/data.img"), vmWarning);
-    EXPECT_EQ(JunkScanner::warning("/Users/a/disk.qcow2"), vmWarning);
-    EXPECT_EQ(JunkScanner::warning("/Users/a/disk.vdi"), vmWarning);
-    EXPECT_EQ(JunkScanner::warning("/Users/a/Parallels/win.hdd"), vmWarning);
     // A VM disk in iCloud Drive warns about the VM first.
-    EXPECT_EQ(JunkScanner::warning("/Users/a/Library/Mobile Documents/UTM/disk.img"), vmWarning);
-    EXPECT_EQ(JunkScanner::warning("/Users/a/Library/Mobile Documents/report.pdf"), cloudWarning);
-    EXPECT_EQ(JunkScanner::warning("/Users/a/Pictures/Photos Library.photoslibrary/originals/1.heic"),
-              photosWarning);
-    EXPECT_EQ(JunkScanner::warning("/Users/a/Movies/clip.mov"), std::nullopt);
-    EXPECT_EQ(JunkScanner::warning("/Users/a/disk.vmdk.zip"), std::nullopt);
+    EXPECT_EQ(JunkScanner::warning("/home/a/Library/Mobile Documents/UTM/disk.img"), vmWarning);
+    EXPECT_EQ(JunkScanner::warning("/home/a/Pictures/Photos Library.photoslibrary/originals/1.heic"),
+              "\u26A0\uFE0F Inside a Photos library");
+    EXPECT_EQ(JunkScanner::warning("/home/a/disk.vmdk.zip"), std::nullopt);
 }
 
 TEST(LargeFiles, AStopReturnsWhatWasFoundSoFar) {
@@ -233,7 +206,8 @@ TEST(LargeFiles, AStopReturnsWhatWasFoundSoFar) {
     EXPECT_EQ(all.size(), 5100u);
 }
 
-// A hundred levels deep included.
+// Three hundred levels deep included: far more folders than a walk holds open, so
+// on the way back up each is reopened and its listing goes on after the subfolder.
 TEST(LargeFiles, HitsComeInTheOrderOfOneSequentialWalk) {
     FakeHome home;
     for (int top = 0; top < 20; ++top) {
@@ -249,13 +223,10 @@ TEST(LargeFiles, HitsComeInTheOrderOfOneSequentialWalk) {
                     home.makeFile(b + "/l" + std::to_string(leaf) + "/f" + std::to_string(f));
         }
     }
-    std::string deep = "tree/t7";
-    for (int level = 0; level < 100; ++level)
-        deep += "/d";
-    home.makeFile(deep + "/f");
+    ASSERT_EQ(buildDeepTree(home.path("tree/t7"), 300), 0);
     std::vector<std::string> expected;
     walkInOrder(home.home(), expected);
-    ASSERT_EQ(expected.size(), 20u * (3 + 5 * (3 + 4 * 3)) + 1);
+    ASSERT_EQ(expected.size(), 20u * (3 + 5 * (3 + 4 * 3)) + 30 + 3);
 
     // The walk hands folders to other threads as they fall idle, differently each
     // time; the order must not change.

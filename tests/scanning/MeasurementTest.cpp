@@ -14,7 +14,7 @@ std::vector<Candidate> folderCandidates(const TempTree& tree, int count) {
     std::vector<Candidate> candidates;
     for (int i = 0; i < count; ++i) {
         const std::string folder = tree.makeDir("c" + std::to_string(i));
-        tree.makeFile("c" + std::to_string(i) + "/data", std::string(100, 'x'));
+        tree.makeFileOfSize("c" + std::to_string(i) + "/data", 1000 + 3000 * (i % 20));
         candidates.push_back(
             Candidate{"user.caches", folder, RemovalMethod::trash(), std::nullopt, std::nullopt});
     }
@@ -60,8 +60,11 @@ TEST(Measurement, RunsAtMostEightAtOnceAndReportsEveryTenth) {
     EXPECT_LE(mostThreads, before + 8);
     EXPECT_EQ(items.size(), 95u);
     std::set<std::string> ids;
-    for (const ScanItem& item : items)
+    for (const ScanItem& item : items) {
         ids.insert(item.id);
+        // Measured side by side, each still gets its own tree's figure.
+        EXPECT_EQ(item.size, allocatedBytes(item.id + "/data")) << item.id;
+    }
     EXPECT_EQ(ids.size(), 95u);
     std::vector<std::pair<size_t, size_t>> expected;
     for (size_t done = 10; done <= 90; done += 10)

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <dirent.h>
 #include <pwd.h>
 #include <set>
@@ -44,129 +43,88 @@ Paths inListingOrder(const std::string& folder, const std::set<std::string>& kee
     return paths;
 }
 
-// The home folder is read once per process; a fake home only takes effect when it
-// is the first thing the process asks for.
-#define REQUIRE_FAKE_HOME(home)                                                                              \
-    if (Environment::homeFolder() != (home).home())                                                          \
-    GTEST_SKIP() << "home folder already read in this process"
-
 } // namespace
 
-TEST(PathGlob, ExpandsContainerCachesForEveryListedEntryIncludingHiddenOnes) {
+TEST(PathGlob, ExpandsHomeFoldersWhateverTheSlashes) {
     FakeHome home;
-    REQUIRE_FAKE_HOME(home);
+    // The home folder is read once per process; a fake home only takes effect when it
+    // is the first thing the process asks for.
+    if (Environment::homeFolder() != home.home())
+        GTEST_SKIP() << "home folder already read in this process";
     for (const char* container : {"com.example.one", ".hidden.container", "com.example.two", "zz.last"})
         home.makeDir(std::string("Library/Containers/") + container + "/Data/Library/Caches");
     home.makeDir("Library/Containers/com.example.nocaches/Data/Library");
     home.makeFile("Library/Containers/stray-file");
     const std::string containers = home.path("Library/Containers");
 
-    const Paths expanded = PathGlob::expand("~/Library/Containers/*/Data/Library/Caches");
-    EXPECT_EQ(expanded, inListingOrder(containers,
-                                       {"com.example.one", ".hidden.container", "com.example.two", "zz.last"},
-                                       "/Data/Library/Caches"));
-    EXPECT_EQ(expanded.size(), 4u);
-
+    const Paths caches = PathGlob::expand("~/Library/Containers/*/Data/Library/Caches");
+    EXPECT_EQ(caches, inListingOrder(containers,
+                                     {"com.example.one", ".hidden.container", "com.example.two", "zz.last"},
+                                     "/Data/Library/Caches"));
+    EXPECT_EQ(caches.size(), 4u);
+    for (const char* spelling :
+         {"~/Library/Containers/*/Data/Library/Caches/", "~//Library///Containers/*//Data/Library/Caches//"})
+        EXPECT_EQ(PathGlob::expand(spelling), caches) << spelling;
+    EXPECT_EQ(PathGlob::expand(containers + "/*/Data/Library/Caches"), caches);
     EXPECT_EQ(PathGlob::expand("~"), Paths{home.home()});
     EXPECT_EQ(PathGlob::expand("~/"), Paths{home.home()});
     EXPECT_EQ(PathGlob::expand("~/Library/Containers/stray-file"), Paths{containers + "/stray-file"});
+
+    // Another user's home folder, by name.
+    const passwd* root = ::getpwuid(0);
+    ASSERT_NE(root, nullptr);
+    std::string rootHome = root->pw_dir;
+    while (rootHome.size() > 1 && rootHome.back() == '/')
+        rootHome.pop_back();
+    const Paths expected = exists(rootHome) && rootHome != "/" ? Paths{rootHome} : Paths{};
+    EXPECT_EQ(PathGlob::expand("~" + std::string(root->pw_name)), expected);
+    EXPECT_EQ(PathGlob::expand("~" + std::string(root->pw_name) + "/"), expected);
+    EXPECT_TRUE(PathGlob::expand("~" + std::string(root->pw_name) + "/veltro-no-such-entry-7f3a").empty());
 }
 
-TEST(PathGlob, TrailingAndDoubledSlashesMakeNoDifference) {
-    FakeHome home;
-    REQUIRE_FAKE_HOME(home);
-    home.makeDir("Library/Application Support/Editor/State");
-    home.makeDir("Library/Application Support/.sync");
-    home.makeFile("Library/Application Support/notes.txt", "n");
-    const std::string support = home.path("Library/Application Support");
-
-    const Paths withoutSlash = PathGlob::expand("~/Library/Application Support/*");
-    EXPECT_EQ(withoutSlash, inListingOrder(support, {"Editor", ".sync", "notes.txt"}));
-    EXPECT_EQ(PathGlob::expand("~/Library/Application Support/*/"), withoutSlash);
-    EXPECT_EQ(PathGlob::expand("~//Library///Application Support/*//"), withoutSlash);
-    EXPECT_EQ(PathGlob::expand(home.home() + "/Library/Application Support/*"), withoutSlash);
-}
-
-TEST(PathGlob, NamesNothingWhenAComponentIsMissing) {
+TEST(PathGlob, WildcardsMatchEachListingInOrderWithoutRemovingDuplicates) {
     TempTree tree;
-    tree.makeFile("file.txt", "f");
-    tree.makeDir("folder/inner");
-
-    EXPECT_TRUE(PathGlob::expand("/").empty());
-    EXPECT_TRUE(PathGlob::expand("").empty());
-    EXPECT_TRUE(PathGlob::expand("///").empty());
-    EXPECT_TRUE(PathGlob::expand("/veltro-no-such-folder-7f3a/*/Caches").empty());
-    EXPECT_TRUE(PathGlob::expand(tree.path("missing/folder/*")).empty());
-    EXPECT_TRUE(PathGlob::expand(tree.path("folder/*/missing")).empty());
-    // A file where a folder is expected.
-    EXPECT_TRUE(PathGlob::expand(tree.path("file.txt/inner")).empty());
-    EXPECT_TRUE(PathGlob::expand(tree.path("file.txt/*")).empty());
-    EXPECT_TRUE(PathGlob::expand("~veltro-no-such-user-7f3a/Library").empty());
-    EXPECT_EQ(PathGlob::expand(tree.path("folder/*")), Paths{tree.path("folder/inner")});
-}
-
-TEST(PathGlob, ReturnsDanglingSymbolicLinks) {
-    TempTree tree;
-    const std::string dangling = tree.makeSymlink("parent/dangling", tree.path("nowhere"));
-    tree.makeFile("parent/file", "f");
-
-    EXPECT_EQ(PathGlob::expand(dangling), Paths{dangling});
-    EXPECT_EQ(PathGlob::expand(tree.path("parent/*")),
-              inListingOrder(tree.path("parent"), {"dangling", "file"}));
-    EXPECT_TRUE(PathGlob::expand(dangling + "/inner").empty());
-}
-
-TEST(PathGlob, HonoursBracketExpressionsAndQuestionMarks) {
-    TempTree tree;
-    for (const char* name : {"a1", "a2", "b1", ".a3", "[x]", "c10"})
+    for (const char* name : {"a1", "b1", ".a3", "[x]"})
         tree.makeFile(std::string("names/") + name);
-    const std::string folder = tree.path("names");
-    const auto expand = [&](const std::string& component) {
-        return PathGlob::expand(folder + "/" + component);
-    };
-
-    EXPECT_EQ(expand("[ab]1"), inListingOrder(folder, {"a1", "b1"}));
-    EXPECT_EQ(expand("[!a]*"), inListingOrder(folder, {"b1", ".a3", "[x]", "c10"}));
-    EXPECT_EQ(expand("?1"), inListingOrder(folder, {"a1", "b1"}));
-    EXPECT_EQ(expand("a?"), inListingOrder(folder, {"a1", "a2"}));
-    EXPECT_EQ(expand("c1[0-9]"), inListingOrder(folder, {"c10"}));
-    EXPECT_EQ(expand("*"), inListingOrder(folder, {"a1", "a2", "b1", ".a3", "[x]", "c10"}));
-    EXPECT_EQ(expand(".*"), inListingOrder(folder, {".a3"}));
-    // A bracket makes the component a pattern, so "[x]" names "x", not itself.
-    EXPECT_TRUE(expand("[x]").empty());
-    EXPECT_EQ(expand("[[]x]"), inListingOrder(folder, {"[x]"}));
-}
-
-TEST(PathGlob, KeepsListingOrderAcrossComponentsWithoutRemovingDuplicates) {
-    TempTree tree;
+    const std::string names = tree.path("names");
     for (const char* outer : {"p", "q", "r"})
         for (const char* inner : {"1", "2", "3"})
             tree.makeDir(std::string("top/") + outer + "/" + inner);
     const std::string top = tree.path("top");
 
-    Paths expected;
+    // "*" matches hidden names too; a bracket makes the component a pattern, so "[x]"
+    // names "x", not itself.
+    EXPECT_EQ(PathGlob::expand(names + "/*"), inListingOrder(names, {"a1", "b1", ".a3", "[x]"}));
+    EXPECT_EQ(PathGlob::expand(names + "/?1"), inListingOrder(names, {"a1", "b1"}));
+    EXPECT_TRUE(PathGlob::expand(names + "/[x]").empty());
+    EXPECT_EQ(PathGlob::expand(names + "/[[]x]"), inListingOrder(names, {"[x]"}));
+
+    Paths nested;
     for (const std::string& outer : listing(top))
         for (const std::string& inner : listing(top + "/" + outer))
-            expected.push_back(top + "/" + outer + "/" + inner);
-    EXPECT_EQ(PathGlob::expand(top + "/*/*"), expected);
-
+            nested.push_back(top + "/" + outer + "/" + inner);
+    EXPECT_EQ(PathGlob::expand(top + "/*/*"), nested);
     // Three spellings of the same folder stay three results.
-    const Paths parents = PathGlob::expand(top + "/*/..");
-    EXPECT_EQ(parents, inListingOrder(top, {"p", "q", "r"}, "/.."));
+    EXPECT_EQ(PathGlob::expand(top + "/*/.."), inListingOrder(top, {"p", "q", "r"}, "/.."));
 }
 
-TEST(PathGlob, ExpandsAnotherUsersHomeFolder) {
-    const passwd* root = ::getpwuid(0);
-    ASSERT_NE(root, nullptr);
-    const std::string name = root->pw_name;
-    std::string home = root->pw_dir;
-    while (home.size() > 1 && home.back() == '/')
-        home.pop_back();
-    const Paths expected = exists(home) && home != "/" ? Paths{home} : Paths{};
+TEST(PathGlob, NamesNothingWhereAComponentIsMissingButKeepsDanglingLinks) {
+    TempTree tree;
+    tree.makeFile("file.txt", "f");
+    tree.makeDir("folder/inner");
+    const std::string dangling = tree.makeSymlink("parent/dangling", tree.path("nowhere"));
+    tree.makeFile("parent/file", "f");
 
-    EXPECT_EQ(PathGlob::expand("~" + name), expected);
-    EXPECT_EQ(PathGlob::expand("~" + name + "/"), expected);
-    EXPECT_TRUE(PathGlob::expand("~" + name + "/veltro-no-such-entry-7f3a").empty());
+    for (const std::string& pattern :
+         {std::string("/"), std::string(""), std::string("///"),
+          std::string("/veltro-no-such-folder-7f3a/*/Caches"), tree.path("missing/folder/*"),
+          tree.path("folder/*/missing"), tree.path("file.txt/inner"), tree.path("file.txt/*"),
+          std::string("~veltro-no-such-user-7f3a/Library"), dangling + "/inner"})
+        EXPECT_TRUE(PathGlob::expand(pattern).empty()) << pattern;
+    EXPECT_EQ(PathGlob::expand(tree.path("folder/*")), Paths{tree.path("folder/inner")});
+    EXPECT_EQ(PathGlob::expand(dangling), Paths{dangling});
+    EXPECT_EQ(PathGlob::expand(tree.path("parent/*")),
+              inListingOrder(tree.path("parent"), {"dangling", "file"}));
 }
 
 TEST(PathGlob, SkipsFoldersThatCannotBeListed) {

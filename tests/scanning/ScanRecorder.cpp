@@ -18,14 +18,6 @@ std::vector<std::string> RecordedScan::idsIn(const std::string& categoryID) cons
     return ids;
 }
 
-std::vector<double> RecordedScan::progressValues() const {
-    std::vector<double> values;
-    for (const ScanEvent& event : events)
-        if (const auto* progress = std::get_if<ScanEvent::Progress>(&event.value))
-            values.push_back(progress->value);
-    return values;
-}
-
 const ScanEvent::CategoryFinished* RecordedScan::finished(const std::string& categoryID) const {
     for (const ScanEvent& event : events)
         if (const auto* done = std::get_if<ScanEvent::CategoryFinished>(&event.value);

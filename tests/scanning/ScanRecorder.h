@@ -16,7 +16,6 @@ struct RecordedScan {
     const ScanItem* item(const std::string& id) const;
     // Ids of the returned items of one category, in order.
     std::vector<std::string> idsIn(const std::string& categoryID) const;
-    std::vector<double> progressValues() const;
     // The CategoryFinished event of a category, if it was reported.
     const ScanEvent::CategoryFinished* finished(const std::string& categoryID) const;
 };

@@ -1,6 +1,8 @@
 #pragma once
-// Trees deeper than PATH_MAX, which path-based tools (and TempTree's own clean-up)
-// cannot make or remove: made and removed through descriptors, one level at a time.
+// Trees deeper than PATH_MAX, which path-based tools cannot make: made through
+// descriptors, one level at a time.
+
+#include "support/TempTree.h"
 
 #include <functional>
 #include <string>
@@ -11,19 +13,8 @@
 // Returns 0 or an errno.
 int buildDeepTree(const std::string& top, int levels, const std::function<void(int, int)>& atLevel = {});
 
-// Removes `path` and everything below it through descriptors, opening up folders a
-// test locked on the way. False when something stayed.
-bool removeTreeByDescriptors(const std::string& path);
-
-// Removes a tree by descriptors when it goes out of scope, so that a test that stops
-// early still leaves nothing behind.
-class RemovedOnExit {
-public:
-    explicit RemovedOnExit(std::string path) : path_(std::move(path)) {}
-    ~RemovedOnExit() { removeTreeByDescriptors(path_); }
-    RemovedOnExit(const RemovedOnExit&) = delete;
-    RemovedOnExit& operator=(const RemovedOnExit&) = delete;
-
-private:
-    std::string path_;
-};
+// Removes `path` and everything below it, opening up folders a test locked on the
+// way. False when something stayed.
+inline bool removeTreeByDescriptors(const std::string& path) {
+    return removeTreeForcefully(path);
+}

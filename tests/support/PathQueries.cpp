@@ -1,6 +1,10 @@
 #include "support/PathQueries.h"
 
+#include "platform/ShellQuote.h"
+
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -41,4 +45,29 @@ std::string readFile(const std::string& path) {
         content.append(buffer, static_cast<size_t>(n));
     ::close(fd);
     return content;
+}
+
+struct stat statOf(const std::string& path) {
+    struct stat st {};
+    if (::lstat(path.c_str(), &st) != 0) {
+        // An absent path must not pass for root's.
+        st = {};
+        st.st_uid = static_cast<uid_t>(-1);
+        st.st_gid = static_cast<gid_t>(-1);
+    }
+    return st;
+}
+
+int64_t duKibibytes(const std::vector<std::string>& paths) {
+    std::string command = "du -skx";
+    for (const std::string& path : paths)
+        command += " " + shellQuote(path);
+    FILE* pipe = ::popen((command + " 2>/dev/null").c_str(), "r");
+    int64_t sum = 0;
+    char line[4096];
+    while (pipe && std::fgets(line, sizeof line, pipe))
+        sum += std::strtoll(line, nullptr, 10);
+    if (pipe)
+        ::pclose(pipe);
+    return sum;
 }

@@ -16,10 +16,11 @@ public:
 
     const std::string& root() const { return root_; }
 
-    // Absolute path of `relative` inside the tree.
+    // Absolute path of `relative` inside the tree; a path already inside it is kept.
     std::string path(const std::string& relative) const;
 
-    // Creates parent folders as needed; returns the absolute path.
+    // Take a path relative to the tree or one inside it; create parent folders as
+    // needed; return the absolute path.
     std::string makeDir(const std::string& relative, mode_t mode = 0755) const;
     std::string makeFile(const std::string& relative, const std::string& content = {}) const;
     // An executable shell script: "#!/bin/sh", then `body`.
@@ -47,5 +48,6 @@ void setModificationTime(const std::string& path, int64_t secondsSinceEpoch);
 // Recursively gives the tree to uid:gid without following links.
 void chownTree(const std::string& path, uid_t uid, gid_t gid);
 
-// Removes a tree whatever its permissions, never following links.
-void removeTreeForcefully(const std::string& path);
+// Removes a tree of any depth whatever its permissions, never following links; false
+// when something stayed.
+bool removeTreeForcefully(const std::string& path);

@@ -36,28 +36,24 @@ TEST(SystemDataPerform, UserActionMessages) {
               "Authentication was cancelled");
 }
 
+// The script goes to the helper with the action's title in the prompt; what comes back
+// is worded (the helper's real run is the privileged runner's own test).
 TEST(SystemDataPerform, AdminActionGoesThroughAuthorization) {
     sharedHome();
     const SystemDataEntry::Action action{"Delete sleepimage", "echo gone; echo 'not here' >&2; exit 5", true,
                                          Risk::caution, "Sure?"};
-    {
-        AuthorizationToolRecorder recorder{answering({1, "", "execution error: User canceled. (-128)"})};
-        EXPECT_EQ(SystemDataAnalyzer::perform(action), "Authentication was cancelled");
+    const std::vector<std::pair<Shell::Output, std::optional<std::string>>> answers{
+        {{1, "", "execution error: User canceled. (-128)"}, "Authentication was cancelled"},
+        {{5, "gone\n", "not here\n"}, "not here"},
+        {{0, "gone\n", ""}, std::nullopt}};
+    for (const auto& [answer, message] : answers) {
+        AuthorizationToolRecorder recorder{answering(answer)};
+        EXPECT_EQ(SystemDataAnalyzer::perform(action), message);
         ASSERT_EQ(recorder.calls().size(), 1u);
         EXPECT_EQ(recorder.calls()[0].script, "#!/bin/sh\necho gone; echo 'not here' >&2; exit 5\n");
         EXPECT_EQ(recorder.calls()[0].prompt, "Veltro needs administrator privileges to: Delete sleepimage");
         EXPECT_EQ(recorder.calls()[0].timeout, 1800);
     }
-
-    // Really run: the script's own failure comes back as its error text.
-    ScopedAuthorizationTool tool(realScriptRunner());
-    EXPECT_EQ(SystemDataAnalyzer::perform(action), "not here");
-    TempTree tree;
-    const std::string made = tree.path("made by admin");
-    EXPECT_EQ(
-        SystemDataAnalyzer::perform({"Make", "touch " + shellQuote(made), true, Risk::caution, "Sure?"}),
-        std::nullopt);
-    EXPECT_TRUE(exists(made));
 }
 
 namespace {
@@ -116,12 +112,6 @@ TEST(SystemDataPerform, ActionsRunTheirLinuxCommands) {
          "flatpak uninstall --system --unused -y",
          {1, "", " error: not allowed \n"},
          "error: not allowed"},
-        {"tm",
-         {"snapper"},
-         "",
-         LinuxCommands::find(area("tm").action->shell)->steps.front().shell,
-         done,
-         std::nullopt},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.id);

@@ -105,7 +105,7 @@ TEST_F(OverviewRanking, RankCheckGoesFromPartialToAllToNone) {
         return namesOf(rowsOf("rankingList", "rankRow_"), "categoryId") ==
                modelList(model().ranking(), "categoryId");
     }));
-    const ScanItems& caches = model().itemsByCategory().at("user.caches");
+    const CategoryItems caches = model().itemsOf("user.caches");
     ASSERT_EQ(caches.size(), 2u);
     QQuickItem* check = childOf(item("rankRow_user.caches"), "rankCheck");
     ASSERT_NE(check, nullptr);
@@ -114,7 +114,7 @@ TEST_F(OverviewRanking, RankCheckGoesFromPartialToAllToNone) {
                            check->property("toolTipText").toString()};
     };
     EXPECT_EQ(look(), QStringList({"off", "circle", "Select"}));
-    model().setItemSelected(ItemKey::fromID(caches.front().id), true);
+    model().setItemSelected(ItemKey::fromID(caches[0].id), true);
     EXPECT_EQ(look(), QStringList({"partial", "minus.circle.fill", "Select"}));
     clickVisible(check);
     EXPECT_EQ(model().selectedCount("user.caches"), 2);

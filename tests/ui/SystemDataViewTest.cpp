@@ -129,8 +129,8 @@ TEST_F(SystemData, AnAnalysisFillsTheSizesAndTheSnapshotCount) {
 }
 
 TEST_F(SystemData, EqualAreasKeepCatalogueOrderInTheCompositionBar) {
-    // The tool answers for the script: every area 100 KiB (the databases' folder holds the
-    // logs', which are taken away), and two snapshots to delete.
+    // The tool answers for the script: every area 100 KiB (the databases' line holds the
+    // logs too, which the report takes away), and two snapshots to delete.
     home().installTool("snapper", snapperWithSnapshots(2));
     ScopedAuthorizationTool tool(
         answering({0,
