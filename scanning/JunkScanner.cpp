@@ -136,12 +136,16 @@ private:
                 if (onlyOwnEntries && (!examined || st.st_uid != Environment::realUserID()))
                     continue;
                 std::optional<Date> date;
-                if (examined)
+                std::optional<int64_t> size;
+                if (examined) {
                     date = Date(std::chrono::seconds(st.st_mtim.tv_sec) +
                                 std::chrono::nanoseconds(st.st_mtim.tv_nsec));
+                    if (!S_ISDIR(st.st_mode) && !S_ISLNK(st.st_mode))
+                        size = static_cast<int64_t>(st.st_blocks) * 512;
+                }
                 if (cutoff && date && *date > *cutoff)
                     continue;
-                add(rule, Paths::join(folder, name), date, std::nullopt, 0);
+                add(rule, Paths::join(folder, name), date, std::nullopt, 0, size);
             }
             ::close(folderFd);
         }
@@ -198,7 +202,7 @@ private:
     // something inside it; in the latter case the folder's other entries are offered
     // instead, down to `maxSplitDepth` levels.
     void add(const Rule& rule, const std::string& path, std::optional<Date> modified,
-             std::optional<std::string> note, int depth) {
+             std::optional<std::string> note, int depth, std::optional<int64_t> knownSize = std::nullopt) {
         const std::string canonical = canonicalOf(path);
         if (ProtectedPaths::contains(canonical) || claims.contains(canonical) || parentIsCovered(canonical))
             return;
@@ -217,7 +221,7 @@ private:
         if (!modified)
             modified = modDate(canonical);
         candidates[rule.category.id].push_back(
-            Candidate{rule.category.id, canonical, std::move(method), modified, std::move(note)});
+            Candidate{rule.category.id, canonical, std::move(method), modified, std::move(note), knownSize});
     }
 
     // A folder's entries come one after another and share what is known of the folder:
@@ -289,7 +293,7 @@ void appendLargeFiles(const std::string& categoryID, const ScanOptions& options,
         RemovalMethod method = Paths::isWritable(Paths::parentFolder(hit.path)) ? RemovalMethod::trash()
                                                                                 : RemovalMethod::adminTrash();
         candidates.push_back(
-            Candidate{categoryID, std::move(hit.path), std::move(method), hit.modified, std::move(hit.note)});
+            Candidate{categoryID, std::move(hit.path), std::move(method), hit.modified, std::move(hit.note), std::nullopt});
     }
 }
 

@@ -137,6 +137,7 @@ private:
         off_t resume = 0;            // directory offset of the first entry not yet handled
         bool mayHoldSkipped = false; // some skip path lies below this folder
         std::unique_ptr<char[]> buffer;
+        bool holdsClaims = false; // some claimed path lies below this folder
     };
 
     void walk(Task& task) {
@@ -195,6 +196,10 @@ private:
             return true;
 
         unsigned char type = entry->d_type;
+        // A claimed entry is never reported: where the folder holds claims, asking
+        // the claims first spares a look at each of its files.
+        if (frame.holdsClaims && type != DT_UNKNOWN && shared_.claims.contains(path_))
+            return true;
         struct stat st {};
         bool haveStat = false;
         if (type == DT_UNKNOWN) {
@@ -218,6 +223,7 @@ private:
     // Makes `frame` the innermost folder; past the budget, the shallowest open folder
     // below the task's own is closed (its place in the listing is kept as an offset).
     void push(Frame frame) {
+        frame.holdsClaims = shared_.claims.hasClaimedDescendant(path_);
         if (spare_.empty())
             frame.buffer = std::make_unique_for_overwrite<char[]>(direntBufferSize);
         else {

@@ -22,7 +22,9 @@ bool isDirectoryNoFollow(const std::string& path) {
 } // namespace
 
 std::optional<ScanItem> measureCandidate(const Candidate& candidate, std::stop_token stop) {
-    const int64_t size = FileSizer::allocatedSize(candidate.path, [&stop] { return stop.stop_requested(); });
+    const int64_t size = candidate.knownSize
+                             ? *candidate.knownSize
+                             : FileSizer::allocatedSize(candidate.path, [&stop] { return stop.stop_requested(); });
     ScanItem item{candidate.path,   candidate.categoryID, Paths::lastComponent(candidate.path),
                   candidate.path,   std::nullopt,         candidate.modified,
                   candidate.method, candidate.note};
@@ -51,6 +53,8 @@ std::vector<ScanItem> measure(const std::vector<Candidate>& candidates, const Pr
     std::mutex mutex; // guards output, done, next and the progress calls
     size_t done = 0;
     size_t next = 0;
+    // Every 10th, or every thousandth of a long list: each report wakes the receiver.
+    const size_t step = std::max<size_t>(10, total / 1000);
 
     // A worker's first candidate starts even after a stop, like the first tasks of
     // a group started together; later ones only while no stop has been requested.
@@ -58,13 +62,18 @@ std::vector<ScanItem> measure(const std::vector<Candidate>& candidates, const Pr
         std::unique_lock lock(mutex);
         for (bool first = true; next < total && (first || !stop.stop_requested()); first = false) {
             const size_t index = next++;
-            lock.unlock();
+            // Files already measured need no worker of their own: taking them under the
+            // lock spares a hand-over per file.
+            const bool known = candidates[index].knownSize.has_value();
+            if (!known)
+                lock.unlock();
             std::optional<ScanItem> item = measureCandidate(candidates[index], stop);
-            lock.lock();
+            if (!known)
+                lock.lock();
             if (item)
                 output.push_back(std::move(*item));
             ++done;
-            if (progress && (done % 10 == 0 || done == total))
+            if (progress && (done % step == 0 || done == total))
                 progress(done, total);
         }
     };

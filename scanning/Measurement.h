@@ -24,8 +24,9 @@ inline constexpr const char* unreadableNote = "Size unreadable (needs administra
 // the user may not read; otherwise none.
 std::optional<ScanItem> measureCandidate(const Candidate& candidate, std::stop_token stop);
 
-// Called with (done, total) after every 10th completed measurement and after the
-// last one; never concurrently with itself.
+// Called with (done, total) after every 10th completed measurement (every
+// thousandth of the total, when that is more) and after the last one; never
+// concurrently with itself.
 using Progress = std::function<void(size_t done, size_t total)>;
 
 // Measures the candidates with at most `maxConcurrent` in flight and returns the

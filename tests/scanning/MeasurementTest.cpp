@@ -16,7 +16,7 @@ std::vector<Candidate> folderCandidates(const TempTree& tree, int count) {
         const std::string folder = tree.makeDir("c" + std::to_string(i));
         tree.makeFileOfSize("c" + std::to_string(i) + "/data", 1000 + 3000 * (i % 20));
         candidates.push_back(
-            Candidate{"user.caches", folder, RemovalMethod::trash(), std::nullopt, std::nullopt});
+            Candidate{"user.caches", folder, RemovalMethod::trash(), std::nullopt, std::nullopt, std::nullopt});
     }
     return candidates;
 }
@@ -32,7 +32,7 @@ TEST(Measurement, KeepsOnlyWhatOccupiesSpace) {
     const Date date = Dates::now();
     std::vector<Candidate> candidates;
     for (const char* name : {"full", "empty", "zero", "link", "missing"})
-        candidates.push_back(Candidate{"dev.derived", tree.path(name), RemovalMethod::trash(), date, "hint"});
+        candidates.push_back(Candidate{"dev.derived", tree.path(name), RemovalMethod::trash(), date, "hint", std::nullopt});
 
     const std::vector<ScanItem> items = Measurement::measure(candidates, {}, {});
 
