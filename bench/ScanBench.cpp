@@ -295,7 +295,7 @@ int main(int argc, char** argv) {
     std::printf("home: %s\n", home.c_str());
     std::printf("scan median %.3f s, du -sk median %.3f s\n", scanMedian, duMedian);
     std::printf("command probes on this machine: %.3f s (part of every scan)\n", probes);
-    std::printf("ratio scan/du: median of runs %.3f, of medians %.3f (target <= 1.2, aim 0.8)\n",
+    std::printf("ratio scan/du: median of runs %.3f, of medians %.3f (target <= 0.7)\n",
                 median(ratios), scanMedian / duMedian);
     std::printf("ratio without the command probes: %.3f\n", (scanMedian - probes) / duMedian);
     std::printf("processor time (user + system), medians: scan %.3f s, du %.3f s, ratio %.3f\n",
