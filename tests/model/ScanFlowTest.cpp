@@ -97,8 +97,6 @@ TEST(ScanFlow, FinishedScanMarksEveryCategoryDoneSortsAndNeverMovesBackwards) {
     EXPECT_EQ(idsOf(itemsOf(model, "user.caches")),
               (std::vector<std::string>{big, mid, smallFirst ? small : tie, smallFirst ? tie : small}));
     EXPECT_EQ(idsOf(itemsOf(model, "dev.packages")), (std::vector<std::string>{brewCache, "cmd.brew"}));
-    EXPECT_EQ(model.categoryTable()->rowCount(), 4);
-    EXPECT_EQ(model.categoryTable()->keyAt(0).toStdString(), big);
 
     ASSERT_FALSE(progress.empty());
     for (size_t i = 1; i < progress.size(); ++i)
@@ -301,8 +299,6 @@ TEST(ScanFlow, CategoryTableFiltersAndSortsInPlace) {
     EXPECT_EQ(tableNames(table), (std::vector<std::string>{"gamma10", "gamma9", "Beta", "alpha"}));
     table.sortBy(CategoryItemsProxy::SortKey::date); // newest first
     EXPECT_EQ(tableNames(table), (std::vector<std::string>{"Beta", "gamma9", "gamma10", "alpha"}));
-    table.setFilterText("Library/Caches"); // the location matches too
-    EXPECT_EQ(table.count(), 4);
 
     model.setItemSelected(table.keyAt(0), true);
     EXPECT_TRUE(table.index(0, 0).data(CategoryItemsModel::CheckedRole).toBool());

@@ -191,17 +191,18 @@ TEST(LargeFiles, AStopReturnsWhatWasFoundSoFar) {
 // on the way back up each is reopened and its listing goes on after the subfolder.
 TEST(LargeFiles, HitsComeInTheOrderOfOneSequentialWalk) {
     FakeHome home;
+    const auto threeFiles = [&](const std::string& folder) {
+        for (int f = 0; f < 3; ++f)
+            home.makeFile(folder + "/f" + std::to_string(f));
+    };
     for (int top = 0; top < 20; ++top) {
         const std::string a = "tree/t" + std::to_string(top);
-        for (int f = 0; f < 3; ++f)
-            home.makeFile(a + "/f" + std::to_string(f));
+        threeFiles(a);
         for (int mid = 0; mid < 5; ++mid) {
             const std::string b = a + "/m" + std::to_string(mid);
-            for (int f = 0; f < 3; ++f)
-                home.makeFile(b + "/f" + std::to_string(f));
+            threeFiles(b);
             for (int leaf = 0; leaf < 4; ++leaf)
-                for (int f = 0; f < 3; ++f)
-                    home.makeFile(b + "/l" + std::to_string(leaf) + "/f" + std::to_string(f));
+                threeFiles(b + "/l" + std::to_string(leaf));
         }
     }
     ASSERT_EQ(buildDeepTree(home.path("tree/t7"), 300), 0);
