@@ -1,14 +1,18 @@
 // Names no text can carry: a byte that is not UTF-8, a look-alike holding U+FFFD
-// where that byte was, and a name built to forge report lines and drive the terminal.
+// where that byte was, a name built to forge report lines and drive the terminal, and
+// the quotes, backslashes and control characters JSON must escape.
 
 #include "CommandRun.h"
 
+#include "platform/Paths.h"
 #include "support/PathQueries.h"
 
 #include <gtest/gtest.h>
 
 #include <QJsonArray>
+#include <QStringDecoder>
 
+#include <map>
 #include <set>
 
 TEST(HeadlessNames, ItemIsChosenByItsBytesAndReportsShowNamesEscaped) {
@@ -16,6 +20,9 @@ TEST(HeadlessNames, ItemIsChosenByItsBytesAndReportsShowNamesEscaped) {
     const std::string invalid = home.makeFileOfSize("Library/Caches/x\xff", 100'000);
     const std::string lookAlike = home.makeFileOfSize("Library/Caches/x\xef\xbf\xbd", 90'000);
     const std::string forger = home.makeFileOfSize("Library/Caches/evil\n  9.9 GB  forged\x1b[2J", 80'000);
+    std::vector<std::string> paths{invalid, lookAlike, forger};
+    for (const char* name : {"q\"uote", "back\\slash", "ctl\x01\x1f"})
+        paths.push_back(home.makeFileOfSize(std::string("Library/Caches/") + name, 10'000));
 
     const CommandRun text = CommandRun::of(home, {"scan"});
     ASSERT_EQ(text.status, 0) << text.err;
@@ -25,14 +32,26 @@ TEST(HeadlessNames, ItemIsChosenByItsBytesAndReportsShowNamesEscaped) {
 
     const CommandRun scan = CommandRun::of(home, {"scan", "--json"});
     ASSERT_EQ(scan.status, 0) << scan.err;
+    EXPECT_EQ(std::count(scan.out.begin(), scan.out.end(), '\n'), 1);
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    (void)utf8.decode(QByteArrayView(scan.out.data(), static_cast<qsizetype>(scan.out.size())));
+    EXPECT_FALSE(utf8.hasError()) << "the output is not UTF-8";
     std::set<QString> ids;
-    size_t count = 0;
+    std::map<std::string, QJsonObject> byPath; // by the exact bytes of each item's path
     for (const QJsonValue& category : scan.json()["categories"].toArray())
         for (const QJsonValue& item : category["items"].toArray()) {
-            ids.insert(item["id"].toString());
-            ++count;
+            EXPECT_TRUE(ids.insert(item["id"].toString()).second) << "two items share an id";
+            const QJsonValue bytes = item["pathBytes"];
+            byPath[bytes.isUndefined() ? item["path"].toString().toStdString()
+                                       : QByteArray::fromBase64(bytes.toString().toLatin1()).toStdString()] =
+                item.toObject();
         }
-    EXPECT_EQ(ids.size(), count) << "two items share an id";
+    // Only a name that is not UTF-8 spells its bytes out.
+    for (const std::string& path : paths) {
+        const auto found = byPath.find(Paths::canonicalPath(path));
+        ASSERT_NE(found, byPath.end()) << path;
+        EXPECT_EQ(found->second.contains("pathBytes"), path == invalid) << path;
+    }
 
     const CommandRun clean = CommandRun::of(home, {"clean", "--item", invalid, "--yes", "--json"});
     ASSERT_EQ(clean.status, 0) << clean.err;

@@ -4,15 +4,12 @@
 #include "CommandRun.h"
 
 #include "catalogue/CleanupRules.h"
-#include "platform/Paths.h"
 #include "support/PathQueries.h"
 #include "support/TreeSnapshot.h"
 
 #include <gtest/gtest.h>
 
-#include <QByteArray>
 #include <QJsonArray>
-#include <QStringDecoder>
 
 #include <set>
 
@@ -47,21 +44,13 @@ struct Fixture {
 
 } // namespace
 
-TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
+TEST(ScanCommand, JsonHasTheDocumentedShape) {
     FakeHome home;
-    const std::vector<std::string> names{
-        "q\"uote", "back\\slash", "new\nline", std::string("ctl\x01\x1f", 5), std::string("bad\xff\xfe", 5),
-        "plain"};
-    for (const std::string& name : names)
-        home.makeFileOfSize("Library/Caches/" + name, 10'000);
+    home.makeFileOfSize("Library/Caches/plain", 10'000);
     home.installTool("brew", "exit 0");
 
     const CommandRun run = CommandRun::of(home, {"scan", "--json"});
     ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(lineCount(run.out), 1);
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    (void)utf8.decode(QByteArrayView(run.out.data(), static_cast<qsizetype>(run.out.size())));
-    EXPECT_FALSE(utf8.hasError()) << "the output is not UTF-8";
     const QJsonObject root = run.json();
 
     EXPECT_EQ(keysOf(root), (std::set<QString>{"disk", "hasFullDiskAccess", "categories"}));
@@ -75,7 +64,6 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
     std::set<QString> searched;
     const std::set<QString> itemKeys{"id",     "name",    "path",  "size", "modified",
                                      "method", "command", "admin", "note"};
-    std::map<std::string, QJsonObject> byPath; // the exact path bytes of every item with a path
     QJsonObject brew;
     for (qsizetype i = 0; i < categories.size(); ++i) {
         const QJsonObject category = categories[i].toObject();
@@ -84,14 +72,8 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
         qint64 total = 0;
         for (const QJsonValue& value : category["items"].toArray()) {
             const QJsonObject item = value.toObject();
-            std::set<QString> keys = keysOf(item);
-            keys.erase("pathBytes");
-            EXPECT_EQ(keys, itemKeys);
+            EXPECT_EQ(keysOf(item), itemKeys);
             total += item["size"].toInteger(0);
-            if (item.contains("pathBytes"))
-                byPath[QByteArray::fromBase64(item["pathBytes"].toString().toLatin1()).toStdString()] = item;
-            else if (!item["path"].isNull())
-                byPath[item["path"].toString().toStdString()] = item;
             if (item["id"] == QStringLiteral("cmd.brew"))
                 brew = item;
         }
@@ -107,13 +89,6 @@ TEST(ScanCommand, JsonHasTheDocumentedShapeAndCarriesAnyName) {
     EXPECT_NE(text.out.find("\nSearched " + std::to_string(searched.size()) + " places.\n"),
               std::string::npos)
         << text.out;
-
-    for (const std::string& name : names) {
-        const std::string path = Paths::canonicalPath(home.path("Library/Caches/" + name));
-        ASSERT_TRUE(byPath.contains(path)) << "no item for " << path;
-        EXPECT_EQ(byPath[path].value("pathBytes").isUndefined(), name.find('\xff') == std::string::npos)
-            << path;
-    }
 
     // A command item has no path and no size, and says what it runs.
     ASSERT_FALSE(brew.isEmpty());

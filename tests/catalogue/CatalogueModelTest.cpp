@@ -5,14 +5,12 @@
 #include "catalogue/ScanItem.h"
 
 #include "CatalogueHome.h"
-#include "platform/Localized.h"
 
 #include "support/TranslatorScope.h"
 
 #include <gtest/gtest.h>
 
 #include <unordered_set>
-#include <vector>
 
 namespace {
 
@@ -85,18 +83,4 @@ TEST(ScanItem, LocationShowsCommandTextOrParentFolderWithHomeAbbreviated) {
     ScanItem bare = pathItem("/x/y");
     bare.url = std::nullopt;
     EXPECT_EQ(bare.location(), "");
-}
-
-TEST(ScanItem, UnknownSizeAndDateSortLast) {
-    ScanItem item = pathItem("/data/a");
-    EXPECT_EQ(item.sortSize(), 4096);
-    EXPECT_EQ(item.sortDate(), Date{std::chrono::seconds{1'700'000'000}});
-
-    item.size = std::nullopt;
-    item.modified = std::nullopt;
-    EXPECT_EQ(item.sortSize(), -1);
-    EXPECT_EQ(item.sortDate(), Dates::distantPast());
-
-    item.size = 0;
-    EXPECT_EQ(item.sortSize(), 0);
 }

@@ -47,7 +47,9 @@ TEST(CleanupRules, RulesStandInTableOrder) {
 
 // Every rule's category once, group by group in the groups' order and in table order
 // within a group, each the very record of its rule (categories compare by id alone).
-TEST(CleanupRules, CategoriesHoldEveryRuleOnceGroupByGroupInTableOrder) {
+// What the user must review (archives, backups, old downloads, large files) is never
+// ticked for them.
+TEST(CleanupRules, CategoriesHoldEveryRuleOnceInGroupOrderAndNoneToReviewIsRecommended) {
     catalogueHome();
     const std::vector<Rule>& rules = CleanupRules::rules();
     const std::vector<CleanCategory>& categories = CleanupRules::categories();
@@ -61,6 +63,7 @@ TEST(CleanupRules, CategoriesHoldEveryRuleOnceGroupByGroupInTableOrder) {
                            category.selectedByDefault),
                   std::tie(own.title, own.detail, own.group, own.risk, own.selectedByDefault))
             << category.id;
+        EXPECT_FALSE(category.risk == Risk::review && category.selectedByDefault) << category.id;
         if (i > 0) {
             const CleanCategory& previous = categories[i - 1];
             EXPECT_TRUE(previous.group < category.group ||
@@ -68,15 +71,6 @@ TEST(CleanupRules, CategoriesHoldEveryRuleOnceGroupByGroupInTableOrder) {
                 << previous.id << " before " << category.id;
         }
     }
-}
-
-// What the user must review (archives, backups, old downloads, large files) is never
-// ticked for them.
-TEST(CleanupRules, CategoriesToReviewAreNeverRecommended) {
-    catalogueHome();
-    for (const Rule& rule : CleanupRules::rules())
-        EXPECT_FALSE(rule.category.risk == Risk::review && rule.category.selectedByDefault)
-            << rule.category.id;
 }
 
 TEST(CleanupRules, UserCachesLeaveOutTheApplicationsOwnFolders) {

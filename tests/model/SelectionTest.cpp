@@ -95,27 +95,21 @@ TEST(Selection, SettersNotifyOncePerRealChange) {
     AppModel model;
     SignalLog notified(model);
 
-    model.setLargeThresholdGB(1.0); // the initial value
-    model.setLargeThresholdGB(2.5);
-    model.setLargeThresholdGB(2.5);
-    model.setLargeThresholdGB(std::nan("")); // not a size: refused, and no notification
-    model.setLargeThresholdGB(-1);
+    // The initial value, a change, the same again, and two that are not sizes.
+    for (double gigabytes : {1.0, 2.5, 2.5, std::nan(""), -1.0})
+        model.setLargeThresholdGB(gigabytes);
     EXPECT_EQ(notified.count("largeThresholdGBChanged"), 1);
     EXPECT_EQ(model.largeThresholdGB(), 2.5);
 
-    model.setShowConfirm(false);
-    model.setShowConfirm(true);
-    model.setShowConfirm(true);
-    model.setShowResult(false);
-    model.setShowResult(true);
-    model.setShowResult(true);
+    for (bool shown : {false, true, true}) {
+        model.setShowConfirm(shown);
+        model.setShowResult(shown);
+    }
     EXPECT_EQ(notified.count("showConfirmChanged"), 1);
     EXPECT_EQ(notified.count("showResultChanged"), 1);
 
-    model.setSelected("a", true);
-    model.setSelected("a", true);
-    model.setSelected("a", false);
-    model.setSelected("a", false);
+    for (bool ticked : {true, true, false, false})
+        model.setSelected("a", ticked);
     model.clearSelection();
     EXPECT_EQ(notified.count("selectionChanged"), 2);
 

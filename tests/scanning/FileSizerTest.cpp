@@ -14,6 +14,7 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
@@ -237,17 +238,13 @@ TEST(FileSizer, AsksForCancellationAfterEvery2000thEntryAndReturnsThePartialSum)
     ASSERT_EQ(total, each * kFiles); // all entries are alike, so any prefix of the walk is known
 
     // Cancelling at the n-th question leaves the sum of the entries before the
-    // (2000 * n)-th.
-    for (int cancelAt : {0, 1, 2}) {
+    // (2000 * n)-th; never cancelled, it is asked after entries 2,000 and 4,000 of 4,500.
+    const std::tuple<int, int64_t, int> cases[] = {{0, total, 2}, {1, each * 1999, 1}, {2, each * 3999, 2}};
+    for (const auto& [cancelAt, size, questions] : cases) {
         int asked = 0;
-        const int64_t size = FileSizer::allocatedSize(flat.root(), [&] { return ++asked == cancelAt; });
-        if (cancelAt == 0) {
-            EXPECT_EQ(size, total);
-            EXPECT_EQ(asked, 2); // after entries 2,000 and 4,000 of 4,500
-        } else {
-            EXPECT_EQ(size, each * (2000 * cancelAt - 1)) << "cancelled at question " << cancelAt;
-            EXPECT_EQ(asked, cancelAt);
-        }
+        EXPECT_EQ(FileSizer::allocatedSize(flat.root(), [&] { return ++asked == cancelAt; }), size)
+            << cancelAt;
+        EXPECT_EQ(asked, questions) << cancelAt;
     }
 
     // Folders are entries too: 1,000 folders of one file each make exactly 2,000,
@@ -257,12 +254,13 @@ TEST(FileSizer, AsksForCancellationAfterEvery2000thEntryAndReturnsThePartialSum)
     for (int i = 1; i < 1000; ++i)
         nested.makeHardLink("d" + std::to_string(i) + "/file", "d0/file");
     const int64_t nestedTotal = allocatedBytesOfRegularFiles(nested.root());
-    int asked = 0;
-    EXPECT_EQ(FileSizer::allocatedSize(nested.root(), [&] { return ++asked > 1; }), nestedTotal);
-    EXPECT_EQ(asked, 1);
-    asked = 0;
-    EXPECT_EQ(FileSizer::allocatedSize(nested.root(), [&] { return ++asked == 1; }),
-              nestedTotal - allocatedBytes(nested.path("d0/file")));
+    const int64_t lastFile = allocatedBytes(nested.path("d0/file"));
+    for (const auto& [cancelAt, size] : {std::pair{1, nestedTotal - lastFile}, std::pair{2, nestedTotal}}) {
+        int asked = 0;
+        EXPECT_EQ(FileSizer::allocatedSize(nested.root(), [&] { return ++asked == cancelAt; }), size)
+            << cancelAt;
+        EXPECT_EQ(asked, 1);
+    }
 }
 
 TEST(FileSizer, DoesNotEnterABindMountLoopButCrossesIntoOtherFileSystems) {
@@ -286,9 +284,7 @@ TEST(FileSizer, DoesNotEnterABindMountLoopButCrossesIntoOtherFileSystems) {
         struct stat looped {};
         if (::stat(tree.path("sub/loop/sub").c_str(), &looped) != 0)
             return {-3};
-        const int otherFd = ::open(tree.path("other").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        const int64_t onOther = makeFileAt(otherFd, "x", 8192);
-        ::close(otherFd);
+        const int64_t onOther = allocatedBytes(tree.makeFileOfSize("other/x", 8192));
         return {FileSizer::allocatedSize(tree.root()), FileSizer::allocatedSize(tree.path("sub/loop")),
                 onOther};
     });

@@ -15,8 +15,8 @@ std::vector<Candidate> folderCandidates(const TempTree& tree, int count) {
     for (int i = 0; i < count; ++i) {
         const std::string folder = tree.makeDir("c" + std::to_string(i));
         tree.makeFileOfSize("c" + std::to_string(i) + "/data", 1000 + 3000 * (i % 20));
-        candidates.push_back(
-            Candidate{"user.caches", folder, RemovalMethod::trash(), std::nullopt, std::nullopt, std::nullopt});
+        candidates.push_back(Candidate{"user.caches", folder, RemovalMethod::trash(), std::nullopt,
+                                       std::nullopt, std::nullopt});
     }
     return candidates;
 }
@@ -32,7 +32,8 @@ TEST(Measurement, KeepsOnlyWhatOccupiesSpace) {
     const Date date = Dates::now();
     std::vector<Candidate> candidates;
     for (const char* name : {"full", "empty", "zero", "link", "missing"})
-        candidates.push_back(Candidate{"dev.derived", tree.path(name), RemovalMethod::trash(), date, "hint", std::nullopt});
+        candidates.push_back(
+            Candidate{"dev.derived", tree.path(name), RemovalMethod::trash(), date, "hint", std::nullopt});
 
     const std::vector<ScanItem> items = Measurement::measure(candidates, {}, {});
 

@@ -1,5 +1,6 @@
 #include "scanning/PathGlob.h"
 
+#include "TreeFixtures.h"
 #include "platform/Environment.h"
 #include "support/FakeHome.h"
 #include "support/PathQueries.h"
@@ -8,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <pwd.h>
 #include <set>
 #include <sys/stat.h>
@@ -18,26 +18,11 @@ namespace {
 
 using Paths = std::vector<std::string>;
 
-// Entry names of a folder in the order the file system lists them.
-Paths listing(const std::string& folder) {
-    Paths names;
-    DIR* dir = ::opendir(folder.c_str());
-    if (!dir)
-        return names;
-    while (const dirent* entry = ::readdir(dir)) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..")
-            names.push_back(name);
-    }
-    ::closedir(dir);
-    return names;
-}
-
 // `folder/name + suffix` for every listed name in `keep`, in listing order.
 Paths inListingOrder(const std::string& folder, const std::set<std::string>& keep,
                      const std::string& suffix = {}) {
     Paths paths;
-    for (const std::string& name : listing(folder))
+    for (const std::string& name : namesInListingOrder(folder))
         if (keep.contains(name))
             paths.push_back(folder + "/" + name + suffix);
     return paths;
@@ -61,7 +46,6 @@ TEST(PathGlob, ExpandsHomeFoldersWhateverTheSlashes) {
     EXPECT_EQ(caches, inListingOrder(containers,
                                      {"com.example.one", ".hidden.container", "com.example.two", "zz.last"},
                                      "/Data/Library/Caches"));
-    EXPECT_EQ(caches.size(), 4u);
     for (const char* spelling :
          {"~/Library/Containers/*/Data/Library/Caches/", "~//Library///Containers/*//Data/Library/Caches//"})
         EXPECT_EQ(PathGlob::expand(spelling), caches) << spelling;
@@ -100,8 +84,8 @@ TEST(PathGlob, WildcardsMatchEachListingInOrderWithoutRemovingDuplicates) {
     EXPECT_EQ(PathGlob::expand(names + "/[[]x]"), inListingOrder(names, {"[x]"}));
 
     Paths nested;
-    for (const std::string& outer : listing(top))
-        for (const std::string& inner : listing(top + "/" + outer))
+    for (const std::string& outer : namesInListingOrder(top))
+        for (const std::string& inner : namesInListingOrder(top + "/" + outer))
             nested.push_back(top + "/" + outer + "/" + inner);
     EXPECT_EQ(PathGlob::expand(top + "/*/*"), nested);
     // Three spellings of the same folder stay three results.

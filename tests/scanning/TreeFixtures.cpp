@@ -4,6 +4,7 @@
 #include "support/ForkedChild.h"
 #include "support/PathQueries.h"
 
+#include <dirent.h>
 #include <ftw.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -24,6 +25,17 @@ int64_t allocatedBytesOfRegularFiles(const std::string& root) {
     nftwSum = 0;
     ::nftw(root.c_str(), addRegularFile, 32, FTW_PHYS);
     return nftwSum;
+}
+
+std::vector<std::string> namesInListingOrder(const std::string& folder) {
+    std::vector<std::string> names;
+    DIR* dir = ::opendir(folder.c_str());
+    while (const dirent* entry = dir ? ::readdir(dir) : nullptr)
+        if (const std::string name = entry->d_name; name != "." && name != "..")
+            names.push_back(name);
+    if (dir)
+        ::closedir(dir);
+    return names;
 }
 
 PrivateScratch::PrivateScratch(std::string folder) : folder_(std::move(folder)) {

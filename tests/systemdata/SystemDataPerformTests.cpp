@@ -8,7 +8,6 @@
 #include "systemdata/SystemDataCatalog.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -17,46 +16,6 @@ SystemDataEntry::Action userAction(std::string shell) {
     return {
         .title = "Try", .shell = std::move(shell), .admin = false, .risk = Risk::caution, .confirm = "Sure?"};
 }
-
-} // namespace
-
-TEST(SystemDataPerform, UserActionMessages) {
-    sharedHome();
-    TempTree tree;
-    const std::string made = tree.path("made");
-    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("touch " + shellQuote(made))), std::nullopt);
-    EXPECT_TRUE(exists(made));
-    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("exit 2")), "Failed (exit 2)");
-    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf ' \\n\\t \\n' >&2; exit 4")), "Failed (exit 4)");
-    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf '\\n  no such runtime \\n' >&2; exit 1")),
-              "no such runtime");
-    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf '%1000s' '' | tr ' ' x >&2; exit 1")),
-              std::string(300, 'x'));
-    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("echo 'error -128' >&2; exit 1")),
-              "Authentication was cancelled");
-}
-
-// The script goes to the helper with the action's title in the prompt; what comes back
-// is worded (the helper's real run is the privileged runner's own test).
-TEST(SystemDataPerform, AdminActionGoesThroughAuthorization) {
-    sharedHome();
-    const SystemDataEntry::Action action{"Delete sleepimage", "echo gone; echo 'not here' >&2; exit 5", true,
-                                         Risk::caution, "Sure?"};
-    const std::vector<std::pair<Shell::Output, std::optional<std::string>>> answers{
-        {{1, "", "execution error: User canceled. (-128)"}, "Authentication was cancelled"},
-        {{5, "gone\n", "not here\n"}, "not here"},
-        {{0, "gone\n", ""}, std::nullopt}};
-    for (const auto& [answer, message] : answers) {
-        AuthorizationToolRecorder recorder{answering(answer)};
-        EXPECT_EQ(SystemDataAnalyzer::perform(action), message);
-        ASSERT_EQ(recorder.calls().size(), 1u);
-        EXPECT_EQ(recorder.calls()[0].script, "#!/bin/sh\necho gone; echo 'not here' >&2; exit 5\n");
-        EXPECT_EQ(recorder.calls()[0].prompt, "Veltro needs administrator privileges to: Delete sleepimage");
-        EXPECT_EQ(recorder.calls()[0].timeout, 1800);
-    }
-}
-
-namespace {
 
 const SystemDataEntry& area(const std::string& id) {
     for (const SystemDataEntry& entry : SystemDataAreas::entries())
@@ -77,6 +36,22 @@ std::string takeLog(const std::string& log) {
 }
 
 } // namespace
+
+TEST(SystemDataPerform, UserActionMessages) {
+    sharedHome();
+    TempTree tree;
+    const std::string made = tree.path("made");
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("touch " + shellQuote(made))), std::nullopt);
+    EXPECT_TRUE(exists(made));
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("exit 2")), "Failed (exit 2)");
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf ' \\n\\t \\n' >&2; exit 4")), "Failed (exit 4)");
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf '\\n  no such runtime \\n' >&2; exit 1")),
+              "no such runtime");
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("printf '%1000s' '' | tr ' ' x >&2; exit 1")),
+              std::string(300, 'x'));
+    EXPECT_EQ(SystemDataAnalyzer::perform(userAction("echo 'error -128' >&2; exit 1")),
+              "Authentication was cancelled");
+}
 
 // Each area's action runs the Linux command of the same meaning: the administrator's
 // steps go to the helper as one shell text (answered here, as root would run this
@@ -112,6 +87,13 @@ TEST(SystemDataPerform, ActionsRunTheirLinuxCommands) {
          "flatpak uninstall --system --unused -y",
          {1, "", " error: not allowed \n"},
          "error: not allowed"},
+        // A dismissed password dialog: the user's own steps do not run either.
+        {"spotlight",
+         {},
+         "",
+         "updatedb",
+         {1, "", "execution error: User canceled. (-128)"},
+         "Authentication was cancelled"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.id);
@@ -124,6 +106,7 @@ TEST(SystemDataPerform, ActionsRunTheirLinuxCommands) {
         EXPECT_EQ(recorder.calls()[0].script, "#!/bin/sh\n" + c.adminScript + "\n");
         EXPECT_EQ(recorder.calls()[0].prompt,
                   "Veltro needs administrator privileges to: " + area(c.id).action->title);
+        EXPECT_EQ(recorder.calls()[0].timeout, 1800);
     }
 }
 
