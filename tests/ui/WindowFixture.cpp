@@ -182,6 +182,19 @@ std::vector<QQuickItem*> WindowTest::rowsOf(const QString& list, const QString& 
     return rows;
 }
 
+QQuickItem* WindowTest::part(QQuickItem* parent, const QString& name) {
+    auto* found = parent ? parent->findChild<QQuickItem*>(name) : nullptr;
+    EXPECT_NE(found, nullptr) << "no " << name.toStdString();
+    return found;
+}
+
+QStringList WindowTest::propertyOf(const std::vector<QQuickItem*>& items, const char* property) {
+    QStringList values;
+    for (QQuickItem* each : items)
+        values << each->property(property).toString();
+    return values;
+}
+
 QString WindowTest::someItemKey(const QString& categoryID) {
     for (const QVariant& entry : model_->largestItems()) {
         const QVariantMap item = entry.toMap();

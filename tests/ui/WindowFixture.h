@@ -12,6 +12,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <gtest/gtest.h>
@@ -73,6 +74,11 @@ protected:
     // The delegates of the list view `list` whose names start with `prefix`, top to
     // bottom, once the list has placed what changed; rows on their way out are left out.
     std::vector<QQuickItem*> rowsOf(const QString& list, const QString& prefix);
+
+    // The named child of `parent`, or null with a test failure.
+    QQuickItem* part(QQuickItem* parent, const QString& name);
+    // The `property` of each of `items`, as text, in their order.
+    static QStringList propertyOf(const std::vector<QQuickItem*>& items, const char* property);
 
     // The key of one found item of `categoryID`, or "".
     QString someItemKey(const QString& categoryID);
