@@ -1,7 +1,5 @@
 #include "CategoryDetailFixture.h"
 
-#include "UiHarness.h"
-
 QQuickItem* CategoryDetail::show(const QString& categoryID) {
     navigate(QStringLiteral("category"), categoryID);
     QQuickItem* screen = nullptr;

@@ -3,12 +3,12 @@
 // largest items (top eight, ties in model order, what is never listed, the row's
 // check and reveal button), and the placeholders when nothing sized was found.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include "model/ItemKey.h"
 #include "ui/Format.h"
 #include "ui/Platform.h"
+#include "ui/WindowSearch.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -171,6 +171,6 @@ TEST_F(OverviewRanking, AScanThatFindsOnlyACommandLeavesBothCardsWaiting) {
     EXPECT_TRUE(visible("largestPlaceholder"));
     EXPECT_FALSE(visible("rankingList"));
     EXPECT_FALSE(visible("largestList"));
-    EXPECT_EQ(findAll("waitingText").size(), 2);
+    EXPECT_EQ(WindowSearch::allNamed(window(), "waitingText").size(), 2);
     EXPECT_GE(item("rankingPlaceholder")->height(), 120);
 }

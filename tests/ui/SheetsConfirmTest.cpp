@@ -1,7 +1,6 @@
 // The clean confirmation over a scanned fake home: the removal-method lines and their
 // counts, the command line, the warnings, the scope's title, and its keys.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include "support/PathQueries.h"

@@ -2,14 +2,11 @@
 // failures with the Full Disk Access note, and the sheet without a result. The purge
 // itself is part of the whole session's flow.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include "support/PathQueries.h"
 #include "support/SandboxRoot.h"
 #include "ui/Format.h"
-
-#include <QQuickItem>
 
 #include <filesystem>
 

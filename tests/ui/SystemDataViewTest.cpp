@@ -3,7 +3,6 @@
 // and the mostly absent system folders), a dismissed password dialog, the composition
 // bar's order, and the confirmation of an action.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include "platform/ShellQuote.h"
@@ -11,8 +10,6 @@
 #include "support/PathQueries.h"
 #include "support/SnapshotStandIn.h"
 #include "ui/Format.h"
-
-#include <QQuickItem>
 
 #include <algorithm>
 #include <functional>

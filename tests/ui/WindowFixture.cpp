@@ -1,6 +1,5 @@
 #include "WindowFixture.h"
 
-#include "UiHarness.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
 #include "ui/UiServices.h"
@@ -56,10 +55,6 @@ QObject* WindowTest::find(const QString& name) {
     QObject* found = WindowSearch::firstNamed(window_, name);
     EXPECT_NE(found, nullptr) << "no object named " << name.toStdString();
     return found;
-}
-
-QList<QObject*> WindowTest::findAll(const QString& name) {
-    return WindowSearch::allNamed(window_, name);
 }
 
 QVariant WindowTest::read(const QString& name, const char* property) {

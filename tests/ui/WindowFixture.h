@@ -3,11 +3,10 @@
 // Main.qml loaded offscreen exactly as the application loads it. Fails the test on any
 // warning recorded while it ran.
 
+#include "UiHarness.h"
 #include "model/AppModel.h"
 #include "support/FakeHome.h"
 
-#include <QList>
-#include <QPointF>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -33,8 +32,6 @@ protected:
     // The object named `name` anywhere under the window (menus included), or null with
     // a test failure.
     QObject* find(const QString& name);
-    // Every object named `name`, in no particular order.
-    QList<QObject*> findAll(const QString& name);
     QQuickItem* item(const QString& name) { return qobject_cast<QQuickItem*>(find(name)); }
     QVariant read(const QString& name, const char* property);
     QString text(const QString& name) { return read(name, "text").toString(); }
