@@ -171,12 +171,6 @@ TEST_F(SystemData, AnActionRunsOnlyAfterContinueAndOneAtATime) {
     dismissed("systemAction_simruntimes", [&] { click(item("systemActionCancel")); });
     dismissed("systemAction_unifiedlogs", [&] { key(Qt::Key_Escape); });
 
-    // Without its tools an action cannot be started at all.
-    if (!actionEnabled("spotlight")) {
-        click(item("systemAction_spotlight"));
-        EXPECT_FALSE(read("systemActionDialog", "visible").toBool());
-        EXPECT_TRUE(read("systemDataView", "pending").isNull());
-    }
     EXPECT_TRUE(model().systemRunningEntry().isEmpty());
     EXPECT_FALSE(model().hasRunningWork());
     EXPECT_FALSE(exists(marker));
