@@ -15,6 +15,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <set>
+#include <span>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -61,24 +62,42 @@ std::vector<std::set<std::string>> chainListing(const std::string& top) {
 
 } // namespace
 
-TEST(SafeFs, OpenParentRefusesPathsItCannotTrust) {
+// Paths that are not plainly absolute are refused as invalid; a link anywhere in the
+// chain, or a file where a folder should be, as a link.
+TEST(SafeFs, OpenParentRefusesMalformedPathsAndLinksAnywhereInTheChain) {
     TempTree tree;
+    tree.makeFile("real/inner/item", "data");
     tree.makeDir("a/b");
+    tree.makeSymlink("first", tree.path("real"));
+    tree.makeSymlink("real/middle", "inner");
+    tree.makeSymlink("real/inner/toRoot", "/");
     const std::string nul("/tmp\0/x", 7);
+    const std::string malformed[] = {std::string(),       std::string("relative/x"), std::string("/"),
+                                     std::string("//"),   tree.path("a/./b"),        tree.path("a/../a/b"),
+                                     tree.path("a/b/.."), tree.path("a/b/."),        nul};
+    const std::string linked[] = {tree.path("first/inner/item"), tree.path("real/middle/item"),
+                                  tree.path("real/inner/toRoot/etc"), tree.path("real/inner/item/x")};
     for (const auto& [label, open] : kOpeners) {
-        for (const std::string& path :
-             {std::string(), std::string("relative/x"), std::string("/"), std::string("//"),
-              tree.path("a/./b"), tree.path("a/../a/b"), tree.path("a/b/.."), tree.path("a/b/."), nul}) {
-            SafeFs::Dir dir;
-            std::string name;
-            EXPECT_EQ(open(path, dir, name), EINVAL) << label << ": " << path;
-            EXPECT_FALSE(dir) << label << ": " << path;
+        for (const bool bad : {true, false}) {
+            for (const std::string& path : bad ? std::span<const std::string>(malformed) : linked) {
+                SafeFs::Dir dir;
+                std::string name;
+                const int error = open(path, dir, name);
+                EXPECT_TRUE(bad ? error == EINVAL : error == ELOOP || error == ENOTDIR)
+                    << label << ": " << path << " gave " << error;
+                EXPECT_FALSE(dir) << label << ": " << path;
+            }
         }
     }
     EXPECT_EQ(SafeFs::removeTree(AT_FDCWD, ".."), EINVAL);
     EXPECT_EQ(SafeFs::removeTree(AT_FDCWD, "a/b"), EINVAL);
     EXPECT_EQ(SafeFs::removeItem(tree.path("a/b/..")), EINVAL);
     EXPECT_TRUE(exists(tree.path("a/b")));
+    // The same with a folder of the chain swapped for a link to a real one.
+    const TreeSnapshot before = snapshotTree(tree.root());
+    const int error = SafeFs::removeItem(tree.path("first/inner/item"));
+    EXPECT_TRUE(error == ELOOP || error == ENOTDIR) << error;
+    EXPECT_EQ(describeDifferences(before, snapshotTree(tree.root())), "");
 }
 
 TEST(SafeFs, OpenParentOpensTheRealParentAndNamesTheLastComponent) {
@@ -102,29 +121,6 @@ TEST(SafeFs, OpenParentOpensTheRealParentAndNamesTheLastComponent) {
         EXPECT_TRUE(sameObject(dir.fd(), "/")) << label;
         EXPECT_EQ(open(tree.path("missing/x"), dir, name), ENOENT) << label;
     }
-}
-
-TEST(SafeFs, OpenParentRefusesALinkAnywhereInTheChain) {
-    TempTree tree;
-    tree.makeFile("real/inner/item", "data");
-    tree.makeSymlink("first", tree.path("real"));
-    tree.makeSymlink("real/middle", "inner");
-    tree.makeSymlink("real/inner/toRoot", "/");
-    for (const auto& [label, open] : kOpeners) {
-        for (const std::string& path : {tree.path("first/inner/item"), tree.path("real/middle/item"),
-                                        tree.path("real/inner/toRoot/etc"), tree.path("real/inner/item/x")}) {
-            SafeFs::Dir dir;
-            std::string name;
-            const int error = open(path, dir, name);
-            EXPECT_TRUE(error == ELOOP || error == ENOTDIR) << label << ": " << path << " gave " << error;
-            EXPECT_FALSE(dir);
-        }
-    }
-    // The same with a folder of the chain swapped for a link to a real one.
-    const TreeSnapshot before = snapshotTree(tree.root());
-    const int error = SafeFs::removeItem(tree.path("first/inner/item"));
-    EXPECT_TRUE(error == ELOOP || error == ENOTDIR) << error;
-    EXPECT_EQ(describeDifferences(before, snapshotTree(tree.root())), "");
 }
 
 TEST(SafeFs, RemoveTreeDeletesEveryKindOfEntryAndNothingElse) {

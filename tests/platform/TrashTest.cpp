@@ -17,7 +17,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <fcntl.h>
 #include <set>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -29,9 +28,8 @@ bool isLinkRefusal(int error) {
     return error == ELOOP || error == ENOTDIR;
 }
 
-// A fake home whose trash is the default one, whatever the machine's environment.
+// A fake home (whose trash is the default one, whatever the machine's environment).
 struct TrashHome : FakeHome {
-    TrashHome() { ::unsetenv("XDG_DATA_HOME"); }
     std::string trash(const std::string& relative = {}) const {
         return path(".local/share/Trash") + (relative.empty() ? "" : "/" + relative);
     }

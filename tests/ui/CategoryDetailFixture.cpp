@@ -1,7 +1,5 @@
 #include "CategoryDetailFixture.h"
 
-#include "UiHarness.h"
-
 QQuickItem* CategoryDetail::show(const QString& categoryID) {
     navigate(QStringLiteral("category"), categoryID);
     QQuickItem* screen = nullptr;
@@ -14,25 +12,12 @@ QQuickItem* CategoryDetail::show(const QString& categoryID) {
     return shown ? screen : nullptr;
 }
 
-QStringList CategoryDetail::shownNames() {
-    QStringList names;
-    for (QQuickItem* each : rows())
-        names << each->property("name").toString();
-    return names;
-}
-
 QQuickItem* CategoryDetail::row(const QString& name) {
     for (QQuickItem* each : rows())
         if (each->property("name").toString() == name)
             return each;
     ADD_FAILURE() << "no row named " << name.toStdString();
     return nullptr;
-}
-
-QQuickItem* CategoryDetail::part(QQuickItem* parent, const QString& name) {
-    auto* found = parent ? parent->findChild<QQuickItem*>(name) : nullptr;
-    EXPECT_NE(found, nullptr) << "no " << name.toStdString();
-    return found;
 }
 
 bool CategoryDetail::openMenuOn(QQuickItem* target) {

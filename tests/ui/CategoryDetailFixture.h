@@ -18,11 +18,9 @@ protected:
 
     // The table's rows as shown, top to bottom, and their item names.
     std::vector<QQuickItem*> rows() { return rowsOf(QStringLiteral("itemList"), QStringLiteral("itemRow")); }
-    QStringList shownNames();
+    QStringList shownNames() { return propertyOf(rows(), "name"); }
     // The shown row whose item is named `name`, or null with a test failure.
     QQuickItem* row(const QString& name);
-    // The named child of `parent`, or null with a test failure.
-    QQuickItem* part(QQuickItem* parent, const QString& name);
 
     // Right-clicks `target` and waits for the table's context menu.
     bool openMenuOn(QQuickItem* target);

@@ -2,7 +2,6 @@
 // row with the select-all and clean buttons and the large-file options.
 
 #include "CategoryDetailFixture.h"
-#include "UiHarness.h"
 #include "ui/Format.h"
 
 #include <QColor>

@@ -2,7 +2,6 @@
 // invitation, a scan, ticking items on a category screen, the confirmation, the clean
 // on the fake home, the result, and deleting from the Trash what the clean moved there.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include "platform/Paths.h"

@@ -31,11 +31,6 @@ private:
     QQmlProperty property_;
 };
 
-bool similar(const QColor& a, const QColor& b, int tolerance) {
-    return std::abs(a.red() - b.red()) <= tolerance && std::abs(a.green() - b.green()) <= tolerance &&
-           std::abs(a.blue() - b.blue()) <= tolerance;
-}
-
 class Kit : public QmlTest {};
 
 } // namespace
@@ -186,13 +181,15 @@ TEST_F(Kit, AmbientBackgroundHasTheTintedCornersAndAPlainCentre) {
                                        {0.0, 1.0, "bottomLeft"},
                                        {1.0, 1.0, "bottomRight"}}) {
         const QColor expected = ambient->property(corner).value<QColor>();
-        EXPECT_PRED3(similar, at(u, v), expected, 4) << corner << ": " << at(u, v).name().toStdString();
-        EXPECT_FALSE(similar(expected, base, 4)) << corner << " is not tinted";
+        EXPECT_PRED3(UiHarness::similar, at(u, v), expected, 4)
+            << corner << ": " << at(u, v).name().toStdString();
+        EXPECT_FALSE(UiHarness::similar(expected, base, 4)) << corner << " is not tinted";
     }
     EXPECT_GT(at(0, 0).red(), at(0, 0).blue()) << "the tint at the top left";
     EXPECT_GT(at(0, 1).blue(), at(0, 1).red()) << "navy at the bottom left";
     for (const auto& [u, v] : {std::pair{0.5, 0.0}, {0.0, 0.5}, {0.55, 0.45}, {1.0, 0.5}, {0.5, 1.0}})
-        EXPECT_PRED3(similar, at(u, v), base, 3) << u << "," << v << ": " << at(u, v).name().toStdString();
+        EXPECT_PRED3(UiHarness::similar, at(u, v), base, 3)
+            << u << "," << v << ": " << at(u, v).name().toStdString();
 }
 
 #include "KitComponentsTest.moc"

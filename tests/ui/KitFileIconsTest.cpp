@@ -29,11 +29,6 @@ QColor centre(const QString& path) {
     return image.pixelColor(side / 2, side * 2 / 3);
 }
 
-bool near(const QColor& a, const QColor& b) {
-    return std::abs(a.red() - b.red()) <= 6 && std::abs(a.green() - b.green()) <= 6 &&
-           std::abs(a.blue() - b.blue()) <= 6 && std::abs(a.alpha() - b.alpha()) <= 6;
-}
-
 std::string text(const QColor& c) {
     return c.name(QColor::HexArgb).toStdString();
 }
@@ -104,7 +99,8 @@ TEST(KitFileIcons, FallBackFromTheTypeIconToItsGenericIconToTheBundledOnes) {
         QIcon::setThemeName(themed ? QStringLiteral("kittest") : QString());
         for (const Case& each : cases) {
             const QColor shown = centre(at(each.name));
-            EXPECT_PRED2(near, shown, themed ? each.themed : each.bare) << each.name << ": " << text(shown);
+            EXPECT_PRED3(UiHarness::similar, shown, themed ? each.themed : each.bare, 6)
+                << each.name << ": " << text(shown);
         }
     }
     QIcon::setThemeName(QString());

@@ -16,18 +16,6 @@
 
 namespace {
 
-// Index just past the brace matching the one at `open`.
-qsizetype matchingBrace(const QString& text, qsizetype open) {
-    int depth = 0;
-    for (qsizetype i = open; i < text.size(); ++i) {
-        if (text[i] == QLatin1Char('{'))
-            ++depth;
-        else if (text[i] == QLatin1Char('}') && --depth == 0)
-            return i + 1;
-    }
-    return text.size();
-}
-
 // The string literals on the line of each `<property>:` binding in `text`.
 void collectLiterals(const QString& text, const QString& property, QSet<QString>* names) {
     static const QRegularExpression literal(QStringLiteral("\"([^\"]+)\""));
@@ -39,31 +27,20 @@ void collectLiterals(const QString& text, const QString& property, QSet<QString>
     }
 }
 
-// Symbol names written in the QML of ui/: `symbol: "…"`, `systemImage: "…"`, and
-// `name: "…"` directly inside a `Symbol { }`.
+// Symbol names written in the QML of ui/: `symbol: "…"`, `systemImage: "…"`, and a
+// Symbol's own `name: "…"` (no other kind of object in ui/ binds a `name`).
 QSet<QString> namesInQml(QStringList* files) {
     QSet<QString> names;
     QDirIterator it(QStringLiteral(VELTRO_SOURCE_DIR "/ui"), {QStringLiteral("*.qml")}, QDir::Files,
                     QDirIterator::Subdirectories);
-    static const QRegularExpression symbolBlock(QStringLiteral("\\bSymbol\\s*\\{"));
     while (it.hasNext()) {
         const QString path = it.next();
         files->append(path);
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
         const QString text = QString::fromUtf8(file.readAll());
-        collectLiterals(text, QStringLiteral("symbol"), &names);
-        collectLiterals(text, QStringLiteral("systemImage"), &names);
-        for (auto match = symbolBlock.globalMatch(text); match.hasNext();) {
-            const auto block = match.next();
-            const qsizetype open = block.capturedEnd() - 1;
-            QString body = text.mid(open + 1, matchingBrace(text, open) - open - 2);
-            // Only the Symbol's own bindings, not those of nested objects.
-            for (qsizetype brace = body.indexOf(QLatin1Char('{')); brace >= 0;
-                 brace = body.indexOf(QLatin1Char('{')))
-                body.remove(brace, matchingBrace(body, brace) - brace);
-            collectLiterals(body, QStringLiteral("name"), &names);
-        }
+        for (const char* property : {"symbol", "systemImage", "name"})
+            collectLiterals(text, QString::fromLatin1(property), &names);
     }
     return names;
 }

@@ -3,12 +3,12 @@
 // largest items (top eight, ties in model order, what is never listed, the row's
 // check and reveal button), and the placeholders when nothing sized was found.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include "model/ItemKey.h"
 #include "ui/Format.h"
 #include "ui/Platform.h"
+#include "ui/WindowSearch.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -31,25 +31,14 @@ protected:
         home().makeFileOfSize("Library/Developer/Xcode/Archives/2024/App.xcarchive.zip", 60'000);
     }
 
-    QStringList namesOf(const std::vector<QQuickItem*>& rows, const char* property) {
-        QStringList names;
-        for (QQuickItem* row : rows)
-            names << row->property(property).toString();
-        return names;
-    }
     QStringList modelList(const QVariantList& rows, const char* field) {
         QStringList out;
         for (const QVariant& row : rows)
             out << row.toMap().value(QString::fromLatin1(field)).toString();
         return out;
     }
-    QQuickItem* childOf(QQuickItem* row, const char* name) {
-        auto* child = row ? row->findChild<QQuickItem*>(QString::fromLatin1(name)) : nullptr;
-        EXPECT_NE(child, nullptr) << name;
-        return child;
-    }
     QString textOf(QQuickItem* row, const char* name) {
-        QQuickItem* child = childOf(row, name);
+        QQuickItem* child = part(row, name);
         return child ? child->property("text").toString() : QString();
     }
     void clickVisible(QQuickItem* target) { clickInScroller(QStringLiteral("overviewPage"), target); }
@@ -71,8 +60,8 @@ TEST_F(OverviewRanking, RanksTheEightLargestCategoriesWithProportionalBars) {
     const QStringList expected{"apps.browsers", "user.caches", "dev.derived",    "dev.stores",
                                "user.trash",    "apps.media",  "user.downloads", "dev.archives"};
     ASSERT_TRUE(UiHarness::waitFor([&] {
-        return namesOf(rowsOf("rankingList", "rankRow_"), "categoryId") == expected;
-    })) << namesOf(rowsOf("rankingList", "rankRow_"), "categoryId").join(' ').toStdString();
+        return propertyOf(rowsOf("rankingList", "rankRow_"), "categoryId") == expected;
+    })) << propertyOf(rowsOf("rankingList", "rankRow_"), "categoryId").join(' ').toStdString();
     EXPECT_FALSE(visible("rankingPlaceholder"));
 
     const std::vector<QQuickItem*> rows = rowsOf("rankingList", "rankRow_");
@@ -93,7 +82,7 @@ TEST_F(OverviewRanking, RanksTheEightLargestCategoriesWithProportionalBars) {
     EXPECT_LT(last->property("fraction").toDouble() * last->property("barWidth").toDouble(), 6);
 
     // A row opens its category.
-    clickVisible(childOf(rows[2], "rankOpen"));
+    clickVisible(part(rows[2], "rankOpen"));
     EXPECT_EQ(read("contentView", "routeKind").toString(), "category");
     EXPECT_EQ(read("contentView", "routeCategory").toString(), "dev.derived");
 }
@@ -102,12 +91,12 @@ TEST_F(OverviewRanking, RankCheckGoesFromPartialToAllToNone) {
     ReduceMotionScope still(true);
     ASSERT_TRUE(scanToEnd());
     ASSERT_TRUE(UiHarness::waitFor([&] {
-        return namesOf(rowsOf("rankingList", "rankRow_"), "categoryId") ==
+        return propertyOf(rowsOf("rankingList", "rankRow_"), "categoryId") ==
                modelList(model().ranking(), "categoryId");
     }));
     const CategoryItems caches = model().itemsOf("user.caches");
     ASSERT_EQ(caches.size(), 2u);
-    QQuickItem* check = childOf(item("rankRow_user.caches"), "rankCheck");
+    QQuickItem* check = part(item("rankRow_user.caches"), "rankCheck");
     ASSERT_NE(check, nullptr);
     auto look = [&] {
         return QStringList{check->property("mark").toString(), check->property("symbolName").toString(),
@@ -132,8 +121,8 @@ TEST_F(OverviewRanking, ListsTheEightLargestItemsInModelOrderOnTiesWhoseRowsChec
     const QStringList expected{"Google",         "com.example.editor", "Proj-abc",           "mod",
                                "old-report.pdf", "clip.mov",           "org.example.player", "installer.zip"};
     ASSERT_TRUE(UiHarness::waitFor([&] {
-        return namesOf(rowsOf("largestList", "itemRow"), "name") == expected;
-    })) << namesOf(rowsOf("largestList", "itemRow"), "name").join(' ').toStdString();
+        return propertyOf(rowsOf("largestList", "itemRow"), "name") == expected;
+    })) << propertyOf(rowsOf("largestList", "itemRow"), "name").join(' ').toStdString();
     EXPECT_GT(model().items().size(), 8u);
     EXPECT_FALSE(visible("largestPlaceholder"));
     const std::vector<QQuickItem*> rows = rowsOf("largestList", "itemRow");
@@ -149,8 +138,8 @@ TEST_F(OverviewRanking, ListsTheEightLargestItemsInModelOrderOnTiesWhoseRowsChec
     // A row's check ticks its item; its reveal button shows only under the pointer.
     QQuickItem* row = rows.front();
     const QString key = row->property("key").toString();
-    QQuickItem* check = childOf(row, "itemCheck");
-    QQuickItem* reveal = childOf(row, "itemReveal");
+    QQuickItem* check = part(row, "itemCheck");
+    QQuickItem* reveal = part(row, "itemReveal");
     ASSERT_TRUE(check && reveal);
     clickVisible(check);
     EXPECT_TRUE(model().isItemSelected(key));
@@ -182,6 +171,6 @@ TEST_F(OverviewRanking, AScanThatFindsOnlyACommandLeavesBothCardsWaiting) {
     EXPECT_TRUE(visible("largestPlaceholder"));
     EXPECT_FALSE(visible("rankingList"));
     EXPECT_FALSE(visible("largestList"));
-    EXPECT_EQ(findAll("waitingText").size(), 2);
+    EXPECT_EQ(WindowSearch::allNamed(window(), "waitingText").size(), 2);
     EXPECT_GE(item("rankingPlaceholder")->height(), 120);
 }

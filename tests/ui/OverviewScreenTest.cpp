@@ -2,7 +2,6 @@
 // launch through a scan, the group chips, the Full Disk Access banner and the summary of
 // the last clean.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include "catalogue/CategoryGroup.h"

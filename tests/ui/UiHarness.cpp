@@ -11,6 +11,8 @@
 #include <QMutexLocker>
 #include <QTest>
 
+#include <cstdlib>
+
 namespace UiHarness {
 namespace {
 
@@ -49,6 +51,11 @@ bool waitFor(const std::function<bool()>& done, int timeoutMs) {
         QTest::qWait(10);
     }
     return true;
+}
+
+bool similar(const QColor& a, const QColor& b, int tolerance) {
+    return std::abs(a.red() - b.red()) <= tolerance && std::abs(a.green() - b.green()) <= tolerance &&
+           std::abs(a.blue() - b.blue()) <= tolerance && std::abs(a.alpha() - b.alpha()) <= tolerance;
 }
 
 bool waitForFrames(QQuickWindow* window, int count) {

@@ -4,6 +4,7 @@
 // reports; QmlTest fails a test that produced any.
 
 #include <QByteArray>
+#include <QColor>
 #include <QList>
 #include <QObject>
 #include <QQmlApplicationEngine>
@@ -28,6 +29,9 @@ QStringList takeMessages();
 // Spins the event loop until `done` returns true or `timeoutMs` passes; returns the
 // last value of `done`. The limit is generous: a machine busy with a build is slow.
 bool waitFor(const std::function<bool()>& done, int timeoutMs = 10000);
+
+// Whether every channel of `a` and `b` (alpha included) differs by at most `tolerance`.
+bool similar(const QColor& a, const QColor& b, int tolerance);
 
 // Spins the event loop until `window` has drawn `count` more frames: long enough for
 // anything that was going to move to have moved, without a fixed time.

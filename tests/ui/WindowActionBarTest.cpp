@@ -1,6 +1,5 @@
 // The floating action bar and its scan pill, state by state.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 #include "ui/Format.h"
 

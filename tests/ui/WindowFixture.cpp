@@ -1,6 +1,5 @@
 #include "WindowFixture.h"
 
-#include "UiHarness.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
 #include "ui/UiServices.h"
@@ -56,10 +55,6 @@ QObject* WindowTest::find(const QString& name) {
     QObject* found = WindowSearch::firstNamed(window_, name);
     EXPECT_NE(found, nullptr) << "no object named " << name.toStdString();
     return found;
-}
-
-QList<QObject*> WindowTest::findAll(const QString& name) {
-    return WindowSearch::allNamed(window_, name);
 }
 
 QVariant WindowTest::read(const QString& name, const char* property) {
@@ -180,6 +175,19 @@ std::vector<QQuickItem*> WindowTest::rowsOf(const QString& list, const QString& 
             rows.push_back(child);
     std::sort(rows.begin(), rows.end(), [](QQuickItem* a, QQuickItem* b) { return a->y() < b->y(); });
     return rows;
+}
+
+QQuickItem* WindowTest::part(QQuickItem* parent, const QString& name) {
+    auto* found = parent ? parent->findChild<QQuickItem*>(name) : nullptr;
+    EXPECT_NE(found, nullptr) << "no " << name.toStdString();
+    return found;
+}
+
+QStringList WindowTest::propertyOf(const std::vector<QQuickItem*>& items, const char* property) {
+    QStringList values;
+    for (QQuickItem* each : items)
+        values << each->property(property).toString();
+    return values;
 }
 
 QString WindowTest::someItemKey(const QString& categoryID) {

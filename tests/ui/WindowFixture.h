@@ -3,15 +3,15 @@
 // Main.qml loaded offscreen exactly as the application loads it. Fails the test on any
 // warning recorded while it ran.
 
+#include "UiHarness.h"
 #include "model/AppModel.h"
 #include "support/FakeHome.h"
 
-#include <QList>
-#include <QPointF>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <gtest/gtest.h>
@@ -32,8 +32,6 @@ protected:
     // The object named `name` anywhere under the window (menus included), or null with
     // a test failure.
     QObject* find(const QString& name);
-    // Every object named `name`, in no particular order.
-    QList<QObject*> findAll(const QString& name);
     QQuickItem* item(const QString& name) { return qobject_cast<QQuickItem*>(find(name)); }
     QVariant read(const QString& name, const char* property);
     QString text(const QString& name) { return read(name, "text").toString(); }
@@ -73,6 +71,11 @@ protected:
     // The delegates of the list view `list` whose names start with `prefix`, top to
     // bottom, once the list has placed what changed; rows on their way out are left out.
     std::vector<QQuickItem*> rowsOf(const QString& list, const QString& prefix);
+
+    // The named child of `parent`, or null with a test failure.
+    QQuickItem* part(QQuickItem* parent, const QString& name);
+    // The `property` of each of `items`, as text, in their order.
+    static QStringList propertyOf(const std::vector<QQuickItem*>& items, const char* property);
 
     // The key of one found item of `categoryID`, or "".
     QString someItemKey(const QString& categoryID);

@@ -1,6 +1,5 @@
 // The model's folder chooser is the window's folder dialog.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include <QUrl>

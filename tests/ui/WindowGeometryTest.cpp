@@ -3,7 +3,6 @@
 // no two controls of one row or column overlap, no button's text is cut, and a window
 // resized from small to large looks exactly as a window opened at that size.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 #include "ui/WindowSearch.h"
 

@@ -1,7 +1,6 @@
 // The sidebar: rows that live through a scan, the checked size in the accent colour,
 // the category context menu, and following the scan.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 #include "ui/Format.h"
 

@@ -1,7 +1,6 @@
 // The header bar: the primary action follows the phase, the subtitle the disk; and the
 // routes that choose the detail screen.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 #include "ui/Format.h"
 
@@ -28,15 +27,16 @@ TEST_F(WindowTest, ToolbarButtonFollowsThePhase) {
     releaseScans();
     ASSERT_TRUE(UiHarness::waitFor([&] { return !model().hasRunningWork(); }, 30000));
 
-    // Ctrl+R starts a scan.
-    ASSERT_TRUE(startsScan([&] { key(Qt::Key_R, Qt::ControlModifier); }));
-    ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
+    ASSERT_TRUE(scanToEnd());
 
-    // A clean disables it, and its result sheet closes back into the model's flag.
+    // A clean disables it and every command of the scan menu, and its result sheet
+    // closes back into the model's flag.
     model().setItemSelected(someItemKey("user.caches"), true);
     model().clean();
     ASSERT_EQ(model().phase(), AppModel::Phase::cleaning);
-    EXPECT_FALSE(read(button, "enabled").toBool());
+    for (const char* name : {"toolbarButton", "menuRescan", "menuStopScan", "menuSelectRecommended",
+                             "menuDeselectAll", "menuCleanSelected"})
+        EXPECT_FALSE(read(name, "enabled").toBool()) << name;
     ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
     EXPECT_TRUE(read(button, "enabled").toBool());
     EXPECT_TRUE(UiHarness::waitFor([&] { return read("resultSheet", "opened").toBool(); }));

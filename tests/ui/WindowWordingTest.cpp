@@ -2,7 +2,6 @@
 // scan, on every screen and sheet, no visible text names what only the other platform
 // has, and counted texts read in the singular for one.
 
-#include "UiHarness.h"
 #include "WindowFixture.h"
 
 #include "app/LinuxWording.h"
