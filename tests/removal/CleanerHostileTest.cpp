@@ -255,7 +255,11 @@ TEST_F(CleanerHostileTest, FifosAndSocketsAreRemovedWithoutBlocking) {
     EXPECT_EQ(describeDifferences(before, snapshotOutside(items)), "");
 }
 
-TEST_F(CleanerHostileTest, UnreadableFolderInsideADeletedItem) {
+// Permission errors send each item to the batch with its own method: a folder with an
+// unreadable folder inside to be deleted, a file in a folder of root's (the user's own,
+// closed, when not running as root) to be trashed. Without the administrator's rights
+// the batch cannot do them either.
+TEST_F(CleanerHostileTest, PermissionErrorsGoToTheBatchWithTheirOwnMethod) {
     chownTree(home.home(), unprivilegedUid(), unprivilegedGid());
     chownTree(home.tmp(), unprivilegedUid(), unprivilegedGid());
     const std::string item = areaDir("item");
@@ -263,31 +267,34 @@ TEST_F(CleanerHostileTest, UnreadableFolderInsideADeletedItem) {
     areaFile("item/locked/secret", "s");
     chownTree(item, unprivilegedUid(), unprivilegedGid());
     ASSERT_EQ(::chmod((item + "/locked").c_str(), 0), 0);
-    const auto before = snapshotOutside({item});
+    const std::string movable = areaFile("roots/movable", "m");
+    chownTree(area + "/roots", 0, 0);
+    ASSERT_EQ(::chmod((area + "/roots").c_str(), ::geteuid() == 0 ? 0755 : 0555), 0);
+    const auto before = snapshotOutside({item, movable});
 
     const int code = runUnprivileged([&] {
         if (::geteuid() == 0)
             return 20;
         AuthorizationToolRecorder recorder{realScriptRunner()};
-        const CleanResult result = Cleaner::clean({pathItem(item, RemovalMethod::permanent(), 8192)});
-        if (!everyReasonIsNonEmpty(result))
-            return 1;
-        if (result.succeeded.size() + result.failures.size() != 1)
-            return 2;
-        // The permission error sends the item to the batch, as a deletion.
+        const CleanResult result = Cleaner::clean({pathItem(item, RemovalMethod::permanent(), 8192),
+                                                   pathItem(movable, RemovalMethod::trash(), 10)});
         if (recorder.calls().size() != 1)
-            return 3;
+            return 1;
         if (itemLines(recorder.calls()[0].script) !=
-            std::vector<std::string>{"rm_item " + shellQuote(item) + " i0"})
-            return 4;
-        // Without the administrator's rights the batch cannot read the folder either.
-        if (result.failures.size() != 1 || result.failures[0].reason != sipReason)
-            return 5;
+            std::vector<std::string>{"rm_item " + shellQuote(item) + " i0",
+                                     "mv_item " + shellQuote(movable) + " i1"})
+            return 2;
+        if (!result.succeeded.empty() || result.failures.size() != 2)
+            return 3;
+        for (const CleanFailure& failure : result.failures)
+            if (failure.reason != sipReason)
+                return 4;
         return 0;
     });
     EXPECT_EQ(code, 0);
     EXPECT_TRUE(exists(item + "/locked"));
-    EXPECT_EQ(describeDifferences(before, snapshotOutside({item})), "");
+    EXPECT_EQ(readFile(movable), "m");
+    EXPECT_EQ(describeDifferences(before, snapshotOutside({item, movable})), "");
 }
 
 TEST_F(CleanerHostileTest, TenThousandLevelsDeep) {

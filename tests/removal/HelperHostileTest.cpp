@@ -110,15 +110,21 @@ private:
 };
 
 // One tree: `files` below the run's folder (a trailing "/" makes a folder), then given
-// to the run's item owner; `steps` for the helper; `arm` adds what only root can
-// (mounts, flags, other owners).
+// to the run's item owner; `steps` for the helper, keyed i0, i1, ... in order, each
+// with the answer it must get; `arm` adds what only root can (mounts, flags, other
+// owners).
+struct Planned {
+    Kind kind;
+    std::string path; // a leading "@" stands for the run's folder, "~" for the home
+    bool done;
+};
+
 struct Scenario {
     const char* name;
     std::vector<std::string> files;
-    std::function<std::vector<WorkList::Step>(const std::string& dir, FakeHome& home)> steps;
-    std::function<bool(const std::string& dir, FakeHome& home, Arming& arming)> arm;
-    std::map<std::string, bool> expected;
-    std::string expectedDest; // the dated folder's name when something is moved
+    std::vector<Planned> steps;
+    std::function<bool(const std::string& dir, FakeHome& home, Arming& arming)> arm = {};
+    std::string expectedDest = {}; // the dated folder's name when something is moved
 };
 
 std::string trashOf(FakeHome& home) {
@@ -133,50 +139,32 @@ const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all = {
         {"MountsInsideItems",
          {"outside/x/file", "a/keep", "a/mnt/", "b/keep", "b/mnt/"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::move, "i0", dir + "/a"), step(Kind::remove, "i1", dir + "/b")};
-         },
+         {{Kind::move, "@/a", false}, {Kind::remove, "@/b", false}},
          [](const std::string& dir, FakeHome&, Arming& arming) {
              return arming.bind(dir + "/outside/x", dir + "/a/mnt") &&
                     arming.bind(dir + "/outside/x", dir + "/b/mnt");
-         },
-         {{"i0", false}, {"i1", false}},
-         ""},
+         }},
         {"MountOverTheTrash",
          {"outside/y/file", "c"},
-         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/c")}; },
+         {{Kind::move, "@/c", false}},
          [](const std::string& dir, FakeHome& home, Arming& arming) {
              return arming.bind(dir + "/outside/y", trashOf(home) + "/files");
-         },
-         {{"i0", false}},
-         ""},
+         }},
         {"ImmutableFiles",
          {"d/keep", "d/frozen", "e"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::remove, "i0", dir + "/d"), step(Kind::move, "i1", dir + "/e")};
-         },
+         {{Kind::remove, "@/d", false}, {Kind::move, "@/e", false}},
          [](const std::string& dir, FakeHome&, Arming& arming) {
              return arming.freeze(dir + "/d/frozen") && arming.freeze(dir + "/e");
-         },
-         {{"i0", false}, {"i1", false}},
-         ""},
+         }},
         {"ReadOnlyMountedParent",
          {"ro/moved", "ro/deleted"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::move, "i0", dir + "/ro/moved"),
-                                step(Kind::remove, "i1", dir + "/ro/deleted")};
-         },
+         {{Kind::move, "@/ro/moved", false}, {Kind::remove, "@/ro/deleted", false}},
          [](const std::string& dir, FakeHome&, Arming& arming) {
              return arming.bind(dir + "/ro", dir + "/ro", true);
-         },
-         {{"i0", false}, {"i1", false}},
-         ""},
+         }},
         {"ItemOnAnotherFileSystem",
          {"fs/"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::move, "i0", dir + "/fs/g"),
-                                step(Kind::remove, "i1", dir + "/fs/h")};
-         },
+         {{Kind::move, "@/fs/g", false}, {Kind::remove, "@/fs/h", true}},
          [](const std::string& dir, FakeHome& home, Arming& arming) {
              struct stat owner {};
              if (::stat(dir.c_str(), &owner) != 0 || !arming.tmpfs(dir + "/fs"))
@@ -185,32 +173,24 @@ const std::vector<Scenario>& scenarios() {
              home.tree().makeFile(dir + "/fs/h/inner", "h");
              chownTree(dir + "/fs", owner.st_uid, owner.st_gid);
              return true;
-         },
-         {{"i0", false}, {"i1", true}},
-         ""},
+         }},
         {"TrashIsALink",
          {"victim/files/kept", "f"},
-         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/f")}; },
+         {{Kind::move, "@/f", false}},
          [](const std::string& dir, FakeHome& home, Arming&) {
              removeTreeForcefully(trashOf(home));
              return ::symlink((dir + "/victim").c_str(), trashOf(home).c_str()) == 0;
-         },
-         {{"i0", false}},
-         ""},
+         }},
         {"TrashFilesIsALink",
          {"victim/kept", "f"},
-         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/f")}; },
+         {{Kind::move, "@/f", false}},
          [](const std::string& dir, FakeHome& home, Arming&) {
              removeTreeForcefully(trashOf(home) + "/files");
              return ::symlink((dir + "/victim").c_str(), (trashOf(home) + "/files").c_str()) == 0;
-         },
-         {{"i0", false}},
-         ""},
+         }},
         {"DatedFolderTakenAndNamesWithNewlines",
          {"j/inner", "nl\n", "victim/kept"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::move, "i0", dir + "/j"), step(Kind::move, "i1", dir + "/nl\n")};
-         },
+         {{Kind::move, "@/j", true}, {Kind::move, "@/nl\n", true}},
          [](const std::string& dir, FakeHome& home, Arming&) {
              // A stranger's folder of that name, and the next name as a link.
              const std::string files = trashOf(home) + "/files/";
@@ -218,19 +198,14 @@ const std::vector<Scenario>& scenarios() {
              chownTree(files + stampName, 12345, 12345);
              return ::symlink((dir + "/victim").c_str(), (files + stampName + " 1").c_str()) == 0;
          },
-         {{"i0", true}, {"i1", true}},
          stampName + " 2"},
         {"RefusedPaths",
          {},
-         [](const std::string& dir, FakeHome& home) {
-             return std::vector{step(Kind::move, "i0", home.home()), step(Kind::remove, "i1", "/usr"),
-                                step(Kind::remove, "i2", dir + "/../../../.."),
-                                step(Kind::remove, "i3", "relative/path"),
-                                step(Kind::move, "i4", home.home() + "/Library")};
-         },
-         [](const std::string&, FakeHome&, Arming&) { return true; },
-         {{"i0", false}, {"i1", false}, {"i2", false}, {"i3", false}, {"i4", false}},
-         ""},
+         {{Kind::move, "~", false},
+          {Kind::remove, "/usr", false},
+          {Kind::remove, "@/../../../..", false},
+          {Kind::remove, "relative/path", false},
+          {Kind::move, "~/Library", false}}},
     };
     return all;
 }
@@ -312,12 +287,23 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
         for (const std::string& name : scenario.files)
             name.ends_with('/') ? home.tree().makeDir(dir + "/" + name)
                                 : home.tree().makeFile(dir + "/" + name, name);
-        const std::vector<WorkList::Step> steps = scenario.steps(dir, home);
+        std::vector<WorkList::Step> steps;
+        std::map<std::string, bool> expected;
+        for (const Planned& planned : scenario.steps) {
+            const std::string key = "i" + std::to_string(steps.size());
+            const std::string& path = planned.path;
+            steps.push_back({planned.kind, key,
+                             path.starts_with('@')   ? dir + path.substr(1)
+                             : path.starts_with('~') ? home.home() + path.substr(1)
+                                                     : path});
+            expected[key] = planned.done;
+        }
         // Items of the system's as root, the user's own otherwise.
         if (asUser)
             chownTree(dir, unprivilegedUid(), unprivilegedGid());
         Arming arming(home.tree().root());
-        ASSERT_TRUE(scenario.arm(dir, home, arming)) << "could not set the tree up: " << std::strerror(errno);
+        ASSERT_TRUE(!scenario.arm || scenario.arm(dir, home, arming))
+            << "could not set the tree up: " << std::strerror(errno);
 
         std::set<std::string> chosen;
         std::map<std::string, ino_t> inodes;
@@ -337,7 +323,7 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
         const Outcome outcome = runHelper(steps, asUser);
 
         EXPECT_EQ(outcome.status, 0) << outcome.log;
-        EXPECT_EQ(outcome.answers, scenario.expected) << outcome.log;
+        EXPECT_EQ(outcome.answers, expected) << outcome.log;
         for (const auto& [key, ok] : outcome.answers)
             EXPECT_TRUE(ok || outcome.log.find(key + ": ") != std::string::npos)
                 << "no reason for " << key << "\n"
@@ -345,7 +331,7 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
         EXPECT_EQ(describeDifferences(before, snapshotTree(home.tree().root(), outsideExcluded)), "");
         // What was moved is the same file-system object in the Trash, under its own name.
         for (const WorkList::Step& step : steps) {
-            if (step.kind != Kind::move || !scenario.expected.at(step.key))
+            if (step.kind != Kind::move || !expected.at(step.key))
                 continue;
             EXPECT_EQ(outcome.dest, scenario.expectedDest);
             const std::string moved = files + outcome.dest + "/" + Paths::lastComponent(step.payload);
