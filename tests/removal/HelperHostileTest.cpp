@@ -13,6 +13,7 @@
 #include "removal/AdminBatchScript.h"
 #include "removal/WorkList.h"
 #include "support/ForkedChild.h"
+#include "support/OpenGate.h"
 #include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
 
@@ -24,11 +25,9 @@
 #include <functional>
 #include <linux/fs.h>
 #include <map>
-#include <poll.h>
 #include <pwd.h>
 #include <set>
 #include <sstream>
-#include <sys/fanotify.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -248,31 +247,19 @@ protected:
     Outcome runHelper(const std::vector<WorkList::Step>& steps, bool asUser) {
         WorkList::Batch batch{unprivilegedUid(), unprivilegedGid(), home.home(), home.tmp(),
                               trashOf(home),     stampTime,         steps};
-        const Privileged::Request request{WorkList::cleanMode, WorkList::encode(batch), "Prompt", 120};
-        // As root the helper is told who asked, as pkexec tells it.
-        const ScopedAuthorizationTool tool([](const Privileged::Launch& launch) {
-            return Privileged::runProcess(launch.command, launch,
-                                          {"PKEXEC_UID=" + std::to_string(unprivilegedUid())});
+        // As root the helper is told who asked, as pkexec tells it; as the user it starts
+        // with the user's ids and groups.
+        const ScopedAuthorizationTool tool([asUser](const Privileged::Launch& launch) {
+            const std::string user = std::to_string(unprivilegedUid()),
+                              group = std::to_string(unprivilegedGid());
+            std::vector<std::string> command = launch.command;
+            if (asUser)
+                command.insert(command.begin(),
+                               {"/usr/bin/setpriv", "--reuid=" + user, "--regid=" + group, "--clear-groups"});
+            return Privileged::runProcess(command, launch, {"PKEXEC_UID=" + user});
         });
-        if (!asUser)
-            return outcomeOf(Privileged::runHelper(request));
-        const std::string file = home.tmp() + "/outcome";
-        const int code = runUnprivileged([&] {
-            const Shell::Output output = Privileged::runHelper(request);
-            const std::string text =
-                std::to_string(output.status) + '\0' + output.standardOutput + '\0' + output.standardError;
-            const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-            const bool written = fd >= 0 && ::write(fd, text.data(), text.size()) == ssize_t(text.size());
-            return ::close(fd) == 0 && written ? 0 : 1;
-        });
-        const std::string text = readFile(file);
-        ::unlink(file.c_str());
-        const size_t first = text.find('\0');
-        const size_t second = text.find('\0', first + 1);
-        if (code != 0 || second == std::string::npos)
-            return {};
-        return outcomeOf({std::stoi(text.substr(0, first)), text.substr(first + 1, second - first - 1),
-                          text.substr(second + 1)});
+        return outcomeOf(
+            Privileged::runHelper({WorkList::cleanMode, WorkList::encode(batch), "Prompt", 120}));
     }
 };
 
@@ -351,31 +338,6 @@ namespace {
 
 // The helper as root for the user, on trees of each test's own.
 class HelperAsRootTest : public HelperHostileTest {};
-
-// Holds whoever opens `folder` to read it until released, as a slow disk would hold a
-// walk that reaches it: a fanotify permission event. Closing lets everything through.
-struct OpenGate {
-    explicit OpenGate(const std::string& folder)
-        : armed(fd >= 0 &&
-                ::fanotify_mark(fd, FAN_MARK_ADD, FAN_OPEN_PERM | FAN_ONDIR, AT_FDCWD, folder.c_str()) == 0) {
-    }
-    ~OpenGate() { ::close(fd); }
-    // The process held, or -1 when none came within a minute.
-    pid_t awaitOpener() {
-        pollfd watched{fd, POLLIN, 0};
-        const bool came =
-            ::poll(&watched, 1, 60'000) == 1 && ::read(fd, &event, sizeof event) == sizeof event;
-        return came ? event.pid : -1;
-    }
-    void release() {
-        const fanotify_response allow{event.fd, FAN_ALLOW};
-        [[maybe_unused]] const ssize_t written = ::write(fd, &allow, sizeof allow);
-        ::close(event.fd);
-    }
-    const int fd = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_CLOEXEC);
-    const bool armed;
-    fanotify_event_metadata event{0, 0, 0, 0, 0, -1, 0};
-};
 
 } // namespace
 
