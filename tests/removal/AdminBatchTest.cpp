@@ -1,7 +1,6 @@
 #include "removal/AdminBatchScript.h"
 
 #include "CleanerFixtures.h"
-#include "platform/Environment.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
 #include "removal/Cleaner.h"

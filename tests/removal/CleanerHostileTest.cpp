@@ -96,79 +96,67 @@ CleanResult cleanEachWay(const std::vector<std::string>& items) {
 
 } // namespace
 
-TEST_F(CleanerHostileTest, HostileNamesAreTrashedAndDeletedExactly) {
-    const std::vector<std::string> toTrash = makeNamedItems("trash");
-    const std::vector<std::string> toDelete = makeNamedItems("delete");
+// Every hostile name is trashed and deleted by the cleaner itself, and moved and deleted
+// by the administrator batch beside a command full of quotes, exactly; the desktop puts
+// each trashed one back at its place from its info file alone.
+TEST_F(CleanerHostileTest, HostileNamesAreTrashedDeletedAndBatchedExactly) {
+    const std::vector<std::vector<std::string>> groups = {makeNamedItems("trash"), makeNamedItems("delete"),
+                                                          makeNamedItems("move"),
+                                                          makeNamedItems("batch-delete")};
+    const std::string commandOutput = area + "/command's output";
     std::vector<ScanItem> items;
-    for (const std::string& path : toTrash)
-        items.push_back(pathItem(path, RemovalMethod::trash(), 4096));
-    for (const std::string& path : toDelete)
-        items.push_back(pathItem(path, RemovalMethod::permanent(), 4096));
-    std::vector<std::string> paths = toTrash;
-    paths.insert(paths.end(), toDelete.begin(), toDelete.end());
-    const auto before = snapshotOutside(paths);
+    std::vector<Cleaner::PrivilegedWork> work;
+    std::vector<std::string> paths;
+    for (size_t i = 0; i < groups[0].size(); ++i) {
+        items.push_back(pathItem(groups[0][i], RemovalMethod::trash(), 4096));
+        items.push_back(pathItem(groups[1][i], RemovalMethod::permanent(), 4096));
+        work.push_back({pathItem(groups[2][i], RemovalMethod::adminTrash(), 1), false});
+        work.push_back({pathItem(groups[3][i], RemovalMethod::permanent(), 2), true});
+        for (const std::vector<std::string>& group : groups)
+            paths.push_back(group[i]);
+    }
+    work.push_back(
+        {commandItem("cmd.quote", "printf '%s' \"it's \\$HOME\" > " + shellQuote(commandOutput), true),
+         false});
+    std::vector<std::string> changed = paths;
+    changed.push_back(commandOutput);
+    const auto before = snapshotOutside(changed);
 
-    AuthorizationToolRecorder recorder{answering({1, "", "must not be asked"})};
-    const CleanResult result = Cleaner::clean(items);
-
-    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
-    EXPECT_EQ(result.succeeded.size(), items.size());
+    AuthorizationToolRecorder recorder{realScriptRunner()};
+    const CleanResult cleaned = Cleaner::clean(items);
     EXPECT_TRUE(recorder.calls().empty());
+    CleanResult batched;
+    Cleaner::runPrivileged(work, batched);
+
+    ASSERT_EQ(recorder.calls().size(), 1u);
+    EXPECT_TRUE(cleaned.failures.empty()) << ::testing::PrintToString(reasonsOf(cleaned));
+    EXPECT_TRUE(batched.failures.empty()) << ::testing::PrintToString(reasonsOf(batched));
+    EXPECT_EQ(cleaned.succeeded.size(), items.size());
+    EXPECT_EQ(batched.succeeded.size(), work.size());
     std::multiset<std::string> trashed;
-    for (const std::string& location : result.trashedURLs)
+    for (const std::string& location : cleaned.trashedURLs)
         trashed.insert(readFile(location + "/content"));
     EXPECT_EQ(trashed, allNames());
+    ASSERT_EQ(batched.trashedURLs.size(), 1u);
+    EXPECT_EQ(contentsIn(batched.trashedURLs[0]), allNames());
+    EXPECT_EQ(batched.movedToTrashBytes, static_cast<int64_t>(groups[2].size()));
+    EXPECT_EQ(batched.deletedBytes, static_cast<int64_t>(2 * groups[3].size()));
     for (const std::string& path : paths)
         EXPECT_FALSE(exists(path)) << path;
-    EXPECT_EQ(describeDifferences(before, snapshotOutside(paths)), "");
+    EXPECT_EQ(readFile(commandOutput), "it's $HOME");
+    EXPECT_EQ(describeDifferences(before, snapshotOutside(changed)), "");
     EXPECT_FALSE(injectionRan());
 
-    // The desktop puts each one back at its exact place from its info file alone.
     std::set<std::string> restored;
-    for (const std::string& location : result.trashedURLs) {
+    for (const std::string& location : cleaned.trashedURLs) {
         const Restored back = restoreFromTrash(location);
         EXPECT_EQ(readFile(back.original + "/content"), Paths::lastComponent(back.original)) << back.problem;
         restored.insert(back.original);
     }
-    EXPECT_EQ(restored, std::set<std::string>(toTrash.begin(), toTrash.end()));
-    EXPECT_TRUE(entriesOf(Trash::homeTrashFolder() + "/info").empty());
-}
-
-TEST_F(CleanerHostileTest, HostileNamesPassThroughTheAdministratorBatch) {
-    const std::vector<std::string> toMove = makeNamedItems("move");
-    const std::vector<std::string> toDelete = makeNamedItems("delete");
-    const std::string commandOutput = area + "/command's output";
-    std::vector<Cleaner::PrivilegedWork> work;
-    for (const std::string& path : toMove)
-        work.push_back({pathItem(path, RemovalMethod::adminTrash(), 1), false});
-    for (const std::string& path : toDelete)
-        work.push_back({pathItem(path, RemovalMethod::permanent(), 2), true});
-    work.push_back(
-        {commandItem("cmd.quote", "printf '%s' \"it's \\$HOME\" > " + shellQuote(commandOutput), true),
-         false});
-    std::vector<std::string> paths = toMove;
-    paths.insert(paths.end(), toDelete.begin(), toDelete.end());
-    paths.push_back(commandOutput);
-    const auto before = snapshotOutside(paths);
-
-    AuthorizationToolRecorder recorder{realScriptRunner()};
-    CleanResult result;
-    Cleaner::runPrivileged(work, result);
-
-    ASSERT_EQ(recorder.calls().size(), 1u);
-    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
-    EXPECT_EQ(result.succeeded.size(), work.size());
-    ASSERT_EQ(result.trashedURLs.size(), 1u);
-    EXPECT_EQ(contentsIn(result.trashedURLs[0]), allNames());
-    EXPECT_EQ(result.movedToTrashBytes, static_cast<int64_t>(toMove.size()));
-    EXPECT_EQ(result.deletedBytes, static_cast<int64_t>(2 * toDelete.size()));
-    for (const std::string& path : toMove)
-        EXPECT_FALSE(exists(path)) << path;
-    for (const std::string& path : toDelete)
-        EXPECT_FALSE(exists(path)) << path;
-    EXPECT_EQ(readFile(commandOutput), "it's $HOME");
-    EXPECT_EQ(describeDifferences(before, snapshotOutside(paths)), "");
-    EXPECT_FALSE(injectionRan());
+    EXPECT_EQ(restored, std::set<std::string>(groups[0].begin(), groups[0].end()));
+    // Only the batch's dated folder is left in the Trash.
+    EXPECT_EQ(entriesOf(Trash::homeTrashFolder() + "/info"),
+              std::vector<std::string>{Paths::lastComponent(batched.trashedURLs[0]) + ".trashinfo"});
 }
 
 TEST_F(CleanerHostileTest, ItemSwappedForALinkLosesOnlyTheLink) {

@@ -5,7 +5,6 @@
 #include "CleanerFixtures.h"
 #include "platform/Environment.h"
 #include "platform/ShellQuote.h"
-#include "platform/Text.h"
 #include "removal/Shell.h"
 #include "removal/WorkList.h"
 #include "support/ForkedChild.h"
@@ -88,30 +87,24 @@ TEST_F(HelperRunTest, ListsNotOfTheAskingUserAreRefused) {
     const std::string strangers = home.tree().makeDir("strangers");
     ASSERT_EQ(::chown(strangers.c_str(), 12345, 12345), 0);
     const WorkList::Batch good = batchFor({{Kind::remove, "i0", item}});
-    const auto changed = [&](const std::function<void(WorkList::Batch&)>& change) {
-        WorkList::Batch batch = good;
-        change(batch);
-        return batch;
-    };
-    const std::vector<std::pair<const char*, WorkList::Batch>> lists = {
-        {"another uid", changed([](WorkList::Batch& b) { b.uid = 12345; })},
-        {"a group the user is not in", changed([](WorkList::Batch& b) { b.gid = 12345; })},
-        {"a home of someone else", changed([&](WorkList::Batch& b) { b.home = strangers; })},
-        {"a temporary folder of someone else", changed([&](WorkList::Batch& b) { b.temporary = strangers; })},
-        {"a home that is not standardized",
-         changed([&](WorkList::Batch& b) { b.home = home.home() + "/."; })},
+    const std::vector<std::pair<const char*, std::function<void(WorkList::Batch&)>>> changes = {
+        {"another uid", [](WorkList::Batch& b) { b.uid = 12345; }},
+        {"a group the user is not in", [](WorkList::Batch& b) { b.gid = 12345; }},
+        {"a home of someone else", [&](WorkList::Batch& b) { b.home = strangers; }},
+        {"a temporary folder of someone else", [&](WorkList::Batch& b) { b.temporary = strangers; }},
+        {"a home that is not standardized", [&](WorkList::Batch& b) { b.home = home.home() + "/."; }},
     };
     // Run unprivileged: a user who is not root may not claim anyone else either.
     chownTree(home.tree().root(), unprivilegedUid(), unprivilegedGid());
     ASSERT_EQ(::chown(strangers.c_str(), 12345, 12345), 0);
     const ScopedAuthorizationTool tool(runScriptAsCurrentUser);
-    for (const auto& [why, batch] : lists) {
+    for (const auto& [why, change] : changes) {
         const int code = runUnprivileged([&] {
-            WorkList::Batch asked = batch;
-            if (asked.uid != 12345)
-                asked.uid = ::getuid();
-            if (asked.gid != 12345)
-                asked.gid = ::getgid();
+            // The asking user's own ids, unless the change claims another's.
+            WorkList::Batch asked = good;
+            asked.uid = ::getuid();
+            asked.gid = ::getgid();
+            change(asked);
             const Shell::Output output =
                 Privileged::runHelper({WorkList::cleanMode, WorkList::encode(asked), "Prompt", 60});
             return output.status == 2 && output.standardOutput.empty() && !output.standardError.empty() ? 0

@@ -13,11 +13,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fstream>
 #include <string>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <thread>
 #include <vector>
 
