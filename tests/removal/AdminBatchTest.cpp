@@ -5,7 +5,6 @@
 #include "platform/ShellQuote.h"
 #include "removal/Cleaner.h"
 #include "removal/Privileged.h"
-#include "removal/WorkList.h"
 #include "support/DeepTree.h"
 #include "support/ForkedChild.h"
 #include "support/Unprivileged.h"
@@ -78,18 +77,6 @@ exit 0
               "/Users/someone/.Trash/Veltro-20250114-183015");
     ::unsetenv("TZ");
     ::tzset();
-
-    // The helper's work list is the same steps: its decoded list, written as script
-    // lines, is the script's item lines, key for key.
-    WorkList::Batch batch{501, 20, "/Users/someone", "/tmp", "/Users/someone/.local/share/Trash", 0, {}};
-    batch.steps = AdminBatchScript::steps(work);
-    const auto decoded = WorkList::decodeBatch(WorkList::encode(batch));
-    ASSERT_TRUE(decoded.has_value());
-    std::string lines;
-    for (const WorkList::Step& step : decoded->steps)
-        lines += AdminBatchScript::itemLine(step) + "\n";
-    EXPECT_EQ(itemLines(lines), itemLines(expected));
-    EXPECT_EQ(*decoded, batch);
 
     // A destination with a quote is quoted like every other value.
     const std::string quoted = AdminBatchScript::build("/h/it's/.Trash/Veltro-1", {}, 0, 0);

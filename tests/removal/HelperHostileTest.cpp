@@ -301,10 +301,9 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
             inodes[step.key] = statOf(step.payload).st_ino;
         }
         const std::string files = trashOf(home) + "/files/";
-        const std::set<std::string> excluded = {
-            files + scenario.expectedDest, trashOf(home) + "/info/" + scenario.expectedDest + ".trashinfo"};
         std::set<std::string> outsideExcluded = chosen;
-        outsideExcluded.insert(excluded.begin(), excluded.end());
+        outsideExcluded.insert(
+            {files + scenario.expectedDest, trashOf(home) + "/info/" + scenario.expectedDest + ".trashinfo"});
         const TreeSnapshot before = snapshotTree(home.tree().root(), outsideExcluded);
 
         const Outcome outcome = runHelper(steps, asUser);
