@@ -25,6 +25,13 @@ namespace {
 
 using Kind = WorkList::Step::Kind;
 
+// A command that writes `what` into `marker` at once (so it is never seen half
+// written), then becomes a long-running tool itself.
+std::string announcingThenSleeping(const std::string& marker, const std::string& what) {
+    return "echo " + what + " > " + shellQuote(marker + ".part") + " && mv " + shellQuote(marker + ".part") +
+           " " + shellQuote(marker) + " && exec sleep 600";
+}
+
 // Waits for a state, never for a time: gives up only when something is clearly stuck.
 bool eventually(const std::function<bool()>& done) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -129,10 +136,8 @@ TEST_F(HelperRunTest, StopsWithWhatItStartedWhenTheUserProcessQuitsDiesOrGivesUp
         SCOPED_TRACE(way);
         const std::string marker = area + "/started";
         const std::string next = areaFile("next item", "n");
-        // The command says who runs it, then becomes the long-running tool itself.
-        const std::string command = "echo $PPID $$ > " + shellQuote(marker + ".part") + " && mv " +
-                                    shellQuote(marker + ".part") + " " + shellQuote(marker) +
-                                    " && exec sleep 600";
+        // The command says who runs it (the helper, itself).
+        const std::string command = announcingThenSleeping(marker, "$PPID $$");
         const WorkList::Batch batch = batchFor({{Kind::command, "i0", command}, {Kind::remove, "i1", next}});
         const Privileged::Request request{WorkList::cleanMode, WorkList::encode(batch), "Prompt",
                                           way == "gives up" ? 1.0 : 600.0};
@@ -182,9 +187,7 @@ TEST_F(HelperRunTest, StopsWithWhatItStartedWhenTheUserProcessQuitsDiesOrGivesUp
 // only as long as its patience.
 TEST_F(HelperRunTest, QuittingGivesUpOnARunThatDoesNotEnd) {
     const std::string marker = area + "/pid";
-    const std::string stubborn = "trap '' TERM; echo $$ > " + shellQuote(marker + ".part") + " && mv " +
-                                 shellQuote(marker + ".part") + " " + shellQuote(marker) +
-                                 " && exec sleep 600";
+    const std::string stubborn = "trap '' TERM; " + announcingThenSleeping(marker, "$$");
     const ScopedAuthorizationTool tool([&](const Privileged::Launch& launch) {
         return Privileged::runProcess({"/bin/sh", "-c", stubborn}, launch);
     });

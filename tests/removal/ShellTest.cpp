@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -132,8 +133,6 @@ TEST(Shell, ChildSearchesItsOwnPathAndInheritsTheRest) {
     EXPECT_EQ(found, (Shell::Output{0, "found it\n", ""}));
     const auto variables = Shell::run("printf '%s|%s' \"$PATH\" \"$VELTRO_TEST_MARKER\"", 10);
     EXPECT_EQ(variables.standardOutput, Shell::path() + "|kept 'as' is");
-    EXPECT_EQ(Shell::path(), "/opt/homebrew/bin:/usr/local/bin:" + home.home() + "/.orbstack/bin:" +
-                                 home.home() + "/.docker/bin:/usr/bin:/bin:/usr/sbin:/sbin");
 
     ::unsetenv("PATH");
     EXPECT_EQ(Shell::run("printf %s \"$PATH\"", 10).standardOutput, Shell::path());
@@ -162,7 +161,7 @@ TEST(Shell, RunsInParallelWithoutLeaks) {
     const int before = openDescriptorCount();
     constexpr int threadCount = 8;
     constexpr int runsPerThread = 12;
-    std::vector<int> mismatches(threadCount, 0);
+    std::atomic<int> mismatches{0};
     {
         std::vector<std::jthread> threads;
         for (int t = 0; t < threadCount; ++t) {
@@ -177,12 +176,11 @@ TEST(Shell, RunsInParallelWithoutLeaks) {
                     const bool expected = result.standardOutput == id + "\n" &&
                                           result.standardError == "e" + id + "\n" &&
                                           (limited ? result.status != 0 : result.status == 0);
-                    mismatches[static_cast<size_t>(t)] += expected ? 0 : 1;
+                    mismatches += expected ? 0 : 1;
                 }
             });
         }
     }
-    for (int t = 0; t < threadCount; ++t)
-        EXPECT_EQ(mismatches[static_cast<size_t>(t)], 0) << "thread " << t;
+    EXPECT_EQ(mismatches, 0);
     EXPECT_EQ(openDescriptorCount(), before);
 }
