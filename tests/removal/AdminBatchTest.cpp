@@ -1,12 +1,10 @@
 #include "removal/AdminBatchScript.h"
 
 #include "CleanerFixtures.h"
-#include "platform/Environment.h"
 #include "platform/Paths.h"
 #include "platform/ShellQuote.h"
 #include "removal/Cleaner.h"
 #include "removal/Privileged.h"
-#include "removal/WorkList.h"
 #include "support/DeepTree.h"
 #include "support/ForkedChild.h"
 #include "support/Unprivileged.h"
@@ -80,18 +78,6 @@ exit 0
     ::unsetenv("TZ");
     ::tzset();
 
-    // The helper's work list is the same steps: its decoded list, written as script
-    // lines, is the script's item lines, key for key.
-    WorkList::Batch batch{501, 20, "/Users/someone", "/tmp", "/Users/someone/.local/share/Trash", 0, {}};
-    batch.steps = AdminBatchScript::steps(work);
-    const auto decoded = WorkList::decodeBatch(WorkList::encode(batch));
-    ASSERT_TRUE(decoded.has_value());
-    std::string lines;
-    for (const WorkList::Step& step : decoded->steps)
-        lines += AdminBatchScript::itemLine(step) + "\n";
-    EXPECT_EQ(itemLines(lines), itemLines(expected));
-    EXPECT_EQ(*decoded, batch);
-
     // A destination with a quote is quoted like every other value.
     const std::string quoted = AdminBatchScript::build("/h/it's/.Trash/Veltro-1", {}, 0, 0);
     EXPECT_NE(quoted.find("DEST='/h/it'\\''s/.Trash/Veltro-1'\n"), std::string::npos) << quoted;
@@ -108,67 +94,62 @@ TEST(AdminBatchScriptText, AnswersSplitAtEveryKindOfLineBreak) {
     EXPECT_TRUE(AdminBatchScript::parseAnswers("\r\n\r\n").empty());
 }
 
-// Quoted and hostile names pass through the batch in the hostile suite; here two items
-// of one name share the dated folder, and sizes not known count nothing.
-TEST_F(AdminBatchTest, SameNamesAreNumberedInTheDatedFolderAndMovedForReal) {
+// The real helper: a deletion and commands leave no dated folder behind and a failing
+// command fails alone; two moved items of one name share the dated folder, and sizes
+// not known count nothing. Quoted and hostile names are the hostile suite's.
+TEST_F(AdminBatchTest, RealBatchDeletesRunsCommandsAndNumbersSameNames) {
+    const std::string doomed = Paths::parentFolder(areaFile("doomed/inner", "x"));
+    const std::string marker = area + "/command ran";
     const std::string first = areaFile("a/dup", "A");
     const std::string second = areaFile("b/dup", "B");
-
-    AuthorizationToolRecorder recorder{realScriptRunner()};
-    CleanResult result;
-    result.movedToTrashBytes = 1;
-    Cleaner::runPrivileged({{pathItem(first, RemovalMethod::adminTrash(), 20), false},
-                            {pathItem(second, RemovalMethod::adminTrash()), false}},
-                           result);
-
-    ASSERT_EQ(recorder.calls().size(), 1u);
-    EXPECT_EQ(recorder.calls()[0].prompt, "Veltro needs administrator privileges to clean system files.");
-    EXPECT_EQ(recorder.calls()[0].timeout, 1800);
-    EXPECT_TRUE(result.failures.empty()) << ::testing::PrintToString(reasonsOf(result));
-    ASSERT_EQ(result.succeeded.size(), 2u);
-    EXPECT_EQ(result.movedToTrashBytes, 21);
-    ASSERT_EQ(result.trashedURLs.size(), 1u);
-    const std::string dest = result.trashedURLs[0];
-    EXPECT_TRUE(dest.starts_with(home.home() + "/.local/share/Trash/files/Veltro-")) << dest;
-    EXPECT_EQ(readFile(dest + "/dup"), "A");
-    EXPECT_EQ(readFile(dest + "/dup 1"), "B");
-    EXPECT_FALSE(exists(first));
-    EXPECT_FALSE(exists(second));
-}
-
-TEST_F(AdminBatchTest, DeletionsAndCommandsLeaveNoDestinationBehind) {
-    const std::string doomed = areaFile("doomed/inner", "x");
-    const std::string doomedItem = Paths::parentFolder(doomed);
-    const std::string marker = area + "/command ran";
     const std::string trash = home.makeDir(".local/share/Trash/files");
     const std::vector<std::string> before = veltroFolders(trash);
-
     AuthorizationToolRecorder recorder{realScriptRunner()};
-    CleanResult result;
-    Cleaner::runPrivileged({{pathItem(doomedItem, RemovalMethod::permanent(), 4096), true},
+
+    CleanResult deleted;
+    Cleaner::runPrivileged({{pathItem(doomed, RemovalMethod::permanent(), 4096), true},
                             {commandItem("cmd.touch", "touch " + shellQuote(marker), true), false},
                             {commandItem("cmd.fail", "exit 3", true), false}},
-                           result);
-
-    ASSERT_EQ(recorder.calls().size(), 1u);
-    EXPECT_FALSE(exists(doomedItem));
+                           deleted);
+    EXPECT_FALSE(exists(doomed));
     EXPECT_TRUE(exists(marker));
-    ASSERT_EQ(result.succeeded.size(), 2u);
-    EXPECT_EQ(result.succeeded[0].id, doomedItem);
-    EXPECT_EQ(result.succeeded[1].id, "cmd.touch");
-    ASSERT_EQ(result.failures.size(), 1u);
-    EXPECT_EQ(result.failures[0].item.id, "cmd.fail");
-    EXPECT_EQ(result.failures[0].reason, sipReason);
-    EXPECT_EQ(result.deletedBytes, 4096);
-    EXPECT_EQ(result.movedToTrashBytes, 0);
-    EXPECT_TRUE(result.trashedURLs.empty());
+    ASSERT_EQ(deleted.succeeded.size(), 2u);
+    EXPECT_EQ(deleted.succeeded[0].id, doomed);
+    EXPECT_EQ(deleted.succeeded[1].id, "cmd.touch");
+    ASSERT_EQ(deleted.failures.size(), 1u);
+    EXPECT_EQ(deleted.failures[0].item.id, "cmd.fail");
+    EXPECT_EQ(deleted.failures[0].reason, sipReason);
+    EXPECT_EQ(deleted.deletedBytes, 4096);
+    EXPECT_EQ(deleted.movedToTrashBytes, 0);
+    EXPECT_TRUE(deleted.trashedURLs.empty());
     EXPECT_EQ(veltroFolders(trash), before);
+
+    CleanResult moved;
+    moved.movedToTrashBytes = 1;
+    Cleaner::runPrivileged({{pathItem(first, RemovalMethod::adminTrash(), 20), false},
+                            {pathItem(second, RemovalMethod::adminTrash()), false}},
+                           moved);
+    ASSERT_EQ(recorder.calls().size(), 2u);
+    EXPECT_EQ(recorder.calls()[1].prompt, "Veltro needs administrator privileges to clean system files.");
+    EXPECT_EQ(recorder.calls()[1].timeout, 1800);
+    EXPECT_TRUE(moved.failures.empty()) << ::testing::PrintToString(reasonsOf(moved));
+    ASSERT_EQ(moved.succeeded.size(), 2u);
+    EXPECT_EQ(moved.movedToTrashBytes, 21);
+    ASSERT_EQ(moved.trashedURLs.size(), 1u);
+    const std::string dest = moved.trashedURLs[0];
+    EXPECT_TRUE(dest.starts_with(trash + "/Veltro-")) << dest;
+    EXPECT_EQ(readFile(dest + "/dup"), "A");
+    EXPECT_EQ(readFile(dest + "/dup 1"), "B");
+    EXPECT_FALSE(exists(first) || exists(second));
 }
 
-// Items without a path and refused paths never get a line; an answer for a key that
-// has no line does not count, and the batch still runs once when every item is left out.
-TEST_F(AdminBatchTest, ItemsLeftOutFailWhateverTheAnswersSay) {
+// Whatever the answers say, an item counts only by the answer to its own line: items
+// without a path and refused paths get no line, so answers for those keys do not
+// count. A dismissed dialog, or a tool that could not run (its message cut at 200
+// characters, never inside one), fails every item with that reason. Nothing is counted.
+TEST_F(AdminBatchTest, ItemsNotDoneFailWithTheRunsReasonAndCountNothing) {
     const std::string documents = home.makeFile("Documents/keep.txt", "keep");
+    const std::string kept = areaFile("kept", "k");
     ScanItem noPath = pathItem(area + "/gone", RemovalMethod::adminTrash());
     noPath.url.reset();
     const std::vector<Cleaner::PrivilegedWork> work = {
@@ -176,53 +157,43 @@ TEST_F(AdminBatchTest, ItemsLeftOutFailWhateverTheAnswersSay) {
         {pathItem(home.home(), RemovalMethod::adminTrash()), false},
         {pathItem(home.home() + "/Documents", RemovalMethod::permanent()), true},
         {pathItem("/veltro-absent-folder/item", RemovalMethod::adminTrash()), false},
+        {pathItem(kept, RemovalMethod::adminTrash(), 100), false},
+        {pathItem(area + "/other", RemovalMethod::permanent(), 200), true},
+        {commandItem("cmd.tmutil", "true", true), false},
     };
-    AuthorizationToolRecorder recorder{answering({0, "OK|i0\nOK|i1\nOK|i2\nOK|i3\n", ""})};
-    CleanResult result;
-    Cleaner::runPrivileged(work, result);
-
-    ASSERT_EQ(recorder.calls().size(), 1u);
-    EXPECT_TRUE(itemLines(recorder.calls()[0].script).empty()) << recorder.calls()[0].script;
-    ASSERT_EQ(result.failures.size(), 4u);
-    for (const CleanFailure& failure : result.failures)
-        EXPECT_EQ(failure.reason, sipReason) << failure.item.id;
-    EXPECT_TRUE(result.succeeded.empty());
-    EXPECT_TRUE(result.trashedURLs.empty());
-    EXPECT_EQ(readFile(documents), "keep");
-}
-
-// A dismissed dialog, or a tool that could not run (its message cut at 200 characters,
-// never inside one), fails every item with that reason and counts nothing.
-TEST_F(AdminBatchTest, DismissedOrFailedToolFailsEveryItemAndCountsNothing) {
-    const std::string kept = areaFile("kept", "k");
-    std::string message, cut;
+    const std::vector<std::string> lines = {"mv_item " + shellQuote(kept) + " i4",
+                                            "rm_item " + shellQuote(area + "/other") + " i5",
+                                            "run_cmd 'true' i6"};
+    std::string message;
     for (int i = 0; i < 150; ++i)
         message += "\xC3\xA9"; // é, two bytes each
-    cut = message + std::string(50, 'x');
+    const std::string cut = message + std::string(50, 'x');
     message += std::string(100, 'x');
     const std::vector<std::pair<Shell::Output, std::string>> cases = {
+        {{0, "OK|i0\nOK|i1\nOK|i2\nOK|i3\n", ""}, sipReason},
         {{126, "", "-128: Error executing command as another user: Not authorized"}, cancelReason},
-        {{1, "OK|i0\n", message}, "Could not run with administrator privileges: " + cut}};
+        {{1, "OK|i4\n", message}, "Could not run with administrator privileges: " + cut}};
     for (const auto& [answer, reason] : cases) {
         AuthorizationToolRecorder recorder{answering(answer)};
         CleanResult result;
         result.movedToTrashBytes = 7;
         result.deletedBytes = 11;
         result.trashedURLs = {"/earlier"};
-        Cleaner::runPrivileged({{pathItem(kept, RemovalMethod::adminTrash(), 100), false},
-                                {pathItem(area + "/other", RemovalMethod::permanent(), 200), true},
-                                {commandItem("cmd.tmutil", "true", true), false}},
-                               result);
+        Cleaner::runPrivileged(work, result);
         ASSERT_EQ(recorder.calls().size(), 1u);
-        ASSERT_EQ(result.failures.size(), 3u);
-        for (const CleanFailure& failure : result.failures)
-            EXPECT_EQ(failure.reason, reason);
+        EXPECT_EQ(itemLines(recorder.calls()[0].script), lines);
+        ASSERT_EQ(result.failures.size(), work.size());
+        for (size_t i = 0; i < work.size(); ++i) {
+            EXPECT_EQ(result.failures[i].item, work[i].item);
+            EXPECT_EQ(result.failures[i].reason, reason) << work[i].item.id;
+        }
         EXPECT_NE(result.failures[0].id, result.failures[1].id);
         EXPECT_TRUE(result.succeeded.empty());
         EXPECT_EQ(result.movedToTrashBytes, 7);
         EXPECT_EQ(result.deletedBytes, 11);
         EXPECT_EQ(result.trashedURLs, std::vector<std::string>{"/earlier"});
         EXPECT_TRUE(exists(kept));
+        EXPECT_EQ(readFile(documents), "keep");
     }
 }
 

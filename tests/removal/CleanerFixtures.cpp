@@ -5,7 +5,6 @@
 #include "platform/Trash.h"
 #include "removal/Privileged.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 
@@ -74,9 +73,4 @@ std::vector<std::string> reasonsOf(const CleanResult& result) {
     for (const CleanFailure& failure : result.failures)
         reasons.push_back(failure.item.name + ": " + failure.reason);
     return reasons;
-}
-
-bool everyReasonIsNonEmpty(const CleanResult& result) {
-    return std::all_of(result.failures.begin(), result.failures.end(),
-                       [](const CleanFailure& failure) { return !failure.reason.empty(); });
 }

@@ -43,6 +43,5 @@ ScanItem commandItem(const std::string& id, const std::string& command, bool adm
 // The item lines (mv_item / rm_item / run_cmd) of a batch script.
 std::vector<std::string> itemLines(const std::string& script);
 
-// Reasons of all failures, for messages and for the non-empty check.
+// Reasons of all failures, for messages.
 std::vector<std::string> reasonsOf(const CleanResult& result);
-bool everyReasonIsNonEmpty(const CleanResult& result);

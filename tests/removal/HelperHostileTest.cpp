@@ -13,6 +13,7 @@
 #include "removal/AdminBatchScript.h"
 #include "removal/WorkList.h"
 #include "support/ForkedChild.h"
+#include "support/OpenGate.h"
 #include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
 
@@ -24,11 +25,9 @@
 #include <functional>
 #include <linux/fs.h>
 #include <map>
-#include <poll.h>
 #include <pwd.h>
 #include <set>
 #include <sstream>
-#include <sys/fanotify.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -110,15 +109,21 @@ private:
 };
 
 // One tree: `files` below the run's folder (a trailing "/" makes a folder), then given
-// to the run's item owner; `steps` for the helper; `arm` adds what only root can
-// (mounts, flags, other owners).
+// to the run's item owner; `steps` for the helper, keyed i0, i1, ... in order, each
+// with the answer it must get; `arm` adds what only root can (mounts, flags, other
+// owners).
+struct Planned {
+    Kind kind;
+    std::string path; // a leading "@" stands for the run's folder, "~" for the home
+    bool done;
+};
+
 struct Scenario {
     const char* name;
     std::vector<std::string> files;
-    std::function<std::vector<WorkList::Step>(const std::string& dir, FakeHome& home)> steps;
-    std::function<bool(const std::string& dir, FakeHome& home, Arming& arming)> arm;
-    std::map<std::string, bool> expected;
-    std::string expectedDest; // the dated folder's name when something is moved
+    std::vector<Planned> steps;
+    std::function<bool(const std::string& dir, FakeHome& home, Arming& arming)> arm = {};
+    std::string expectedDest = {}; // the dated folder's name when something is moved
 };
 
 std::string trashOf(FakeHome& home) {
@@ -133,50 +138,32 @@ const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all = {
         {"MountsInsideItems",
          {"outside/x/file", "a/keep", "a/mnt/", "b/keep", "b/mnt/"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::move, "i0", dir + "/a"), step(Kind::remove, "i1", dir + "/b")};
-         },
+         {{Kind::move, "@/a", false}, {Kind::remove, "@/b", false}},
          [](const std::string& dir, FakeHome&, Arming& arming) {
              return arming.bind(dir + "/outside/x", dir + "/a/mnt") &&
                     arming.bind(dir + "/outside/x", dir + "/b/mnt");
-         },
-         {{"i0", false}, {"i1", false}},
-         ""},
+         }},
         {"MountOverTheTrash",
          {"outside/y/file", "c"},
-         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/c")}; },
+         {{Kind::move, "@/c", false}},
          [](const std::string& dir, FakeHome& home, Arming& arming) {
              return arming.bind(dir + "/outside/y", trashOf(home) + "/files");
-         },
-         {{"i0", false}},
-         ""},
+         }},
         {"ImmutableFiles",
          {"d/keep", "d/frozen", "e"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::remove, "i0", dir + "/d"), step(Kind::move, "i1", dir + "/e")};
-         },
+         {{Kind::remove, "@/d", false}, {Kind::move, "@/e", false}},
          [](const std::string& dir, FakeHome&, Arming& arming) {
              return arming.freeze(dir + "/d/frozen") && arming.freeze(dir + "/e");
-         },
-         {{"i0", false}, {"i1", false}},
-         ""},
+         }},
         {"ReadOnlyMountedParent",
          {"ro/moved", "ro/deleted"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::move, "i0", dir + "/ro/moved"),
-                                step(Kind::remove, "i1", dir + "/ro/deleted")};
-         },
+         {{Kind::move, "@/ro/moved", false}, {Kind::remove, "@/ro/deleted", false}},
          [](const std::string& dir, FakeHome&, Arming& arming) {
              return arming.bind(dir + "/ro", dir + "/ro", true);
-         },
-         {{"i0", false}, {"i1", false}},
-         ""},
+         }},
         {"ItemOnAnotherFileSystem",
          {"fs/"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::move, "i0", dir + "/fs/g"),
-                                step(Kind::remove, "i1", dir + "/fs/h")};
-         },
+         {{Kind::move, "@/fs/g", false}, {Kind::remove, "@/fs/h", true}},
          [](const std::string& dir, FakeHome& home, Arming& arming) {
              struct stat owner {};
              if (::stat(dir.c_str(), &owner) != 0 || !arming.tmpfs(dir + "/fs"))
@@ -185,32 +172,24 @@ const std::vector<Scenario>& scenarios() {
              home.tree().makeFile(dir + "/fs/h/inner", "h");
              chownTree(dir + "/fs", owner.st_uid, owner.st_gid);
              return true;
-         },
-         {{"i0", false}, {"i1", true}},
-         ""},
+         }},
         {"TrashIsALink",
          {"victim/files/kept", "f"},
-         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/f")}; },
+         {{Kind::move, "@/f", false}},
          [](const std::string& dir, FakeHome& home, Arming&) {
              removeTreeForcefully(trashOf(home));
              return ::symlink((dir + "/victim").c_str(), trashOf(home).c_str()) == 0;
-         },
-         {{"i0", false}},
-         ""},
+         }},
         {"TrashFilesIsALink",
          {"victim/kept", "f"},
-         [](const std::string& dir, FakeHome&) { return std::vector{step(Kind::move, "i0", dir + "/f")}; },
+         {{Kind::move, "@/f", false}},
          [](const std::string& dir, FakeHome& home, Arming&) {
              removeTreeForcefully(trashOf(home) + "/files");
              return ::symlink((dir + "/victim").c_str(), (trashOf(home) + "/files").c_str()) == 0;
-         },
-         {{"i0", false}},
-         ""},
+         }},
         {"DatedFolderTakenAndNamesWithNewlines",
          {"j/inner", "nl\n", "victim/kept"},
-         [](const std::string& dir, FakeHome&) {
-             return std::vector{step(Kind::move, "i0", dir + "/j"), step(Kind::move, "i1", dir + "/nl\n")};
-         },
+         {{Kind::move, "@/j", true}, {Kind::move, "@/nl\n", true}},
          [](const std::string& dir, FakeHome& home, Arming&) {
              // A stranger's folder of that name, and the next name as a link.
              const std::string files = trashOf(home) + "/files/";
@@ -218,19 +197,14 @@ const std::vector<Scenario>& scenarios() {
              chownTree(files + stampName, 12345, 12345);
              return ::symlink((dir + "/victim").c_str(), (files + stampName + " 1").c_str()) == 0;
          },
-         {{"i0", true}, {"i1", true}},
          stampName + " 2"},
         {"RefusedPaths",
          {},
-         [](const std::string& dir, FakeHome& home) {
-             return std::vector{step(Kind::move, "i0", home.home()), step(Kind::remove, "i1", "/usr"),
-                                step(Kind::remove, "i2", dir + "/../../../.."),
-                                step(Kind::remove, "i3", "relative/path"),
-                                step(Kind::move, "i4", home.home() + "/Library")};
-         },
-         [](const std::string&, FakeHome&, Arming&) { return true; },
-         {{"i0", false}, {"i1", false}, {"i2", false}, {"i3", false}, {"i4", false}},
-         ""},
+         {{Kind::move, "~", false},
+          {Kind::remove, "/usr", false},
+          {Kind::remove, "@/../../../..", false},
+          {Kind::remove, "relative/path", false},
+          {Kind::move, "~/Library", false}}},
     };
     return all;
 }
@@ -273,31 +247,19 @@ protected:
     Outcome runHelper(const std::vector<WorkList::Step>& steps, bool asUser) {
         WorkList::Batch batch{unprivilegedUid(), unprivilegedGid(), home.home(), home.tmp(),
                               trashOf(home),     stampTime,         steps};
-        const Privileged::Request request{WorkList::cleanMode, WorkList::encode(batch), "Prompt", 120};
-        // As root the helper is told who asked, as pkexec tells it.
-        const ScopedAuthorizationTool tool([](const Privileged::Launch& launch) {
-            return Privileged::runProcess(launch.command, launch,
-                                          {"PKEXEC_UID=" + std::to_string(unprivilegedUid())});
+        // As root the helper is told who asked, as pkexec tells it; as the user it starts
+        // with the user's ids and groups.
+        const ScopedAuthorizationTool tool([asUser](const Privileged::Launch& launch) {
+            const std::string user = std::to_string(unprivilegedUid()),
+                              group = std::to_string(unprivilegedGid());
+            std::vector<std::string> command = launch.command;
+            if (asUser)
+                command.insert(command.begin(),
+                               {"/usr/bin/setpriv", "--reuid=" + user, "--regid=" + group, "--clear-groups"});
+            return Privileged::runProcess(command, launch, {"PKEXEC_UID=" + user});
         });
-        if (!asUser)
-            return outcomeOf(Privileged::runHelper(request));
-        const std::string file = home.tmp() + "/outcome";
-        const int code = runUnprivileged([&] {
-            const Shell::Output output = Privileged::runHelper(request);
-            const std::string text =
-                std::to_string(output.status) + '\0' + output.standardOutput + '\0' + output.standardError;
-            const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-            const bool written = fd >= 0 && ::write(fd, text.data(), text.size()) == ssize_t(text.size());
-            return ::close(fd) == 0 && written ? 0 : 1;
-        });
-        const std::string text = readFile(file);
-        ::unlink(file.c_str());
-        const size_t first = text.find('\0');
-        const size_t second = text.find('\0', first + 1);
-        if (code != 0 || second == std::string::npos)
-            return {};
-        return outcomeOf({std::stoi(text.substr(0, first)), text.substr(first + 1, second - first - 1),
-                          text.substr(second + 1)});
+        return outcomeOf(
+            Privileged::runHelper({WorkList::cleanMode, WorkList::encode(batch), "Prompt", 120}));
     }
 };
 
@@ -312,12 +274,23 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
         for (const std::string& name : scenario.files)
             name.ends_with('/') ? home.tree().makeDir(dir + "/" + name)
                                 : home.tree().makeFile(dir + "/" + name, name);
-        const std::vector<WorkList::Step> steps = scenario.steps(dir, home);
+        std::vector<WorkList::Step> steps;
+        std::map<std::string, bool> expected;
+        for (const Planned& planned : scenario.steps) {
+            const std::string key = "i" + std::to_string(steps.size());
+            const std::string& path = planned.path;
+            steps.push_back({planned.kind, key,
+                             path.starts_with('@')   ? dir + path.substr(1)
+                             : path.starts_with('~') ? home.home() + path.substr(1)
+                                                     : path});
+            expected[key] = planned.done;
+        }
         // Items of the system's as root, the user's own otherwise.
         if (asUser)
             chownTree(dir, unprivilegedUid(), unprivilegedGid());
         Arming arming(home.tree().root());
-        ASSERT_TRUE(scenario.arm(dir, home, arming)) << "could not set the tree up: " << std::strerror(errno);
+        ASSERT_TRUE(!scenario.arm || scenario.arm(dir, home, arming))
+            << "could not set the tree up: " << std::strerror(errno);
 
         std::set<std::string> chosen;
         std::map<std::string, ino_t> inodes;
@@ -328,16 +301,15 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
             inodes[step.key] = statOf(step.payload).st_ino;
         }
         const std::string files = trashOf(home) + "/files/";
-        const std::set<std::string> excluded = {
-            files + scenario.expectedDest, trashOf(home) + "/info/" + scenario.expectedDest + ".trashinfo"};
         std::set<std::string> outsideExcluded = chosen;
-        outsideExcluded.insert(excluded.begin(), excluded.end());
+        outsideExcluded.insert(
+            {files + scenario.expectedDest, trashOf(home) + "/info/" + scenario.expectedDest + ".trashinfo"});
         const TreeSnapshot before = snapshotTree(home.tree().root(), outsideExcluded);
 
         const Outcome outcome = runHelper(steps, asUser);
 
         EXPECT_EQ(outcome.status, 0) << outcome.log;
-        EXPECT_EQ(outcome.answers, scenario.expected) << outcome.log;
+        EXPECT_EQ(outcome.answers, expected) << outcome.log;
         for (const auto& [key, ok] : outcome.answers)
             EXPECT_TRUE(ok || outcome.log.find(key + ": ") != std::string::npos)
                 << "no reason for " << key << "\n"
@@ -345,7 +317,7 @@ TEST_P(HelperHostileTest, NothingOutsideTheItemsChangesAndNothingIsCopied) {
         EXPECT_EQ(describeDifferences(before, snapshotTree(home.tree().root(), outsideExcluded)), "");
         // What was moved is the same file-system object in the Trash, under its own name.
         for (const WorkList::Step& step : steps) {
-            if (step.kind != Kind::move || !scenario.expected.at(step.key))
+            if (step.kind != Kind::move || !expected.at(step.key))
                 continue;
             EXPECT_EQ(outcome.dest, scenario.expectedDest);
             const std::string moved = files + outcome.dest + "/" + Paths::lastComponent(step.payload);
@@ -365,31 +337,6 @@ namespace {
 
 // The helper as root for the user, on trees of each test's own.
 class HelperAsRootTest : public HelperHostileTest {};
-
-// Holds whoever opens `folder` to read it until released, as a slow disk would hold a
-// walk that reaches it: a fanotify permission event. Closing lets everything through.
-struct OpenGate {
-    explicit OpenGate(const std::string& folder)
-        : armed(fd >= 0 &&
-                ::fanotify_mark(fd, FAN_MARK_ADD, FAN_OPEN_PERM | FAN_ONDIR, AT_FDCWD, folder.c_str()) == 0) {
-    }
-    ~OpenGate() { ::close(fd); }
-    // The process held, or -1 when none came within a minute.
-    pid_t awaitOpener() {
-        pollfd watched{fd, POLLIN, 0};
-        const bool came =
-            ::poll(&watched, 1, 60'000) == 1 && ::read(fd, &event, sizeof event) == sizeof event;
-        return came ? event.pid : -1;
-    }
-    void release() {
-        const fanotify_response allow{event.fd, FAN_ALLOW};
-        [[maybe_unused]] const ssize_t written = ::write(fd, &allow, sizeof allow);
-        ::close(event.fd);
-    }
-    const int fd = ::fanotify_init(FAN_CLASS_CONTENT | FAN_CLOEXEC, O_RDONLY | O_CLOEXEC);
-    const bool armed;
-    fanotify_event_metadata event{0, 0, 0, 0, 0, -1, 0};
-};
 
 } // namespace
 

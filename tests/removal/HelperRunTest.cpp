@@ -5,7 +5,6 @@
 #include "CleanerFixtures.h"
 #include "platform/Environment.h"
 #include "platform/ShellQuote.h"
-#include "platform/Text.h"
 #include "removal/Shell.h"
 #include "removal/WorkList.h"
 #include "support/ForkedChild.h"
@@ -25,6 +24,13 @@
 namespace {
 
 using Kind = WorkList::Step::Kind;
+
+// A command that writes `what` into `marker` at once (so it is never seen half
+// written), then becomes a long-running tool itself.
+std::string announcingThenSleeping(const std::string& marker, const std::string& what) {
+    return "echo " + what + " > " + shellQuote(marker + ".part") + " && mv " + shellQuote(marker + ".part") +
+           " " + shellQuote(marker) + " && exec sleep 600";
+}
 
 // Waits for a state, never for a time: gives up only when something is clearly stuck.
 bool eventually(const std::function<bool()>& done) {
@@ -88,30 +94,24 @@ TEST_F(HelperRunTest, ListsNotOfTheAskingUserAreRefused) {
     const std::string strangers = home.tree().makeDir("strangers");
     ASSERT_EQ(::chown(strangers.c_str(), 12345, 12345), 0);
     const WorkList::Batch good = batchFor({{Kind::remove, "i0", item}});
-    const auto changed = [&](const std::function<void(WorkList::Batch&)>& change) {
-        WorkList::Batch batch = good;
-        change(batch);
-        return batch;
-    };
-    const std::vector<std::pair<const char*, WorkList::Batch>> lists = {
-        {"another uid", changed([](WorkList::Batch& b) { b.uid = 12345; })},
-        {"a group the user is not in", changed([](WorkList::Batch& b) { b.gid = 12345; })},
-        {"a home of someone else", changed([&](WorkList::Batch& b) { b.home = strangers; })},
-        {"a temporary folder of someone else", changed([&](WorkList::Batch& b) { b.temporary = strangers; })},
-        {"a home that is not standardized",
-         changed([&](WorkList::Batch& b) { b.home = home.home() + "/."; })},
+    const std::vector<std::pair<const char*, std::function<void(WorkList::Batch&)>>> changes = {
+        {"another uid", [](WorkList::Batch& b) { b.uid = 12345; }},
+        {"a group the user is not in", [](WorkList::Batch& b) { b.gid = 12345; }},
+        {"a home of someone else", [&](WorkList::Batch& b) { b.home = strangers; }},
+        {"a temporary folder of someone else", [&](WorkList::Batch& b) { b.temporary = strangers; }},
+        {"a home that is not standardized", [&](WorkList::Batch& b) { b.home = home.home() + "/."; }},
     };
     // Run unprivileged: a user who is not root may not claim anyone else either.
     chownTree(home.tree().root(), unprivilegedUid(), unprivilegedGid());
     ASSERT_EQ(::chown(strangers.c_str(), 12345, 12345), 0);
     const ScopedAuthorizationTool tool(runScriptAsCurrentUser);
-    for (const auto& [why, batch] : lists) {
+    for (const auto& [why, change] : changes) {
         const int code = runUnprivileged([&] {
-            WorkList::Batch asked = batch;
-            if (asked.uid != 12345)
-                asked.uid = ::getuid();
-            if (asked.gid != 12345)
-                asked.gid = ::getgid();
+            // The asking user's own ids, unless the change claims another's.
+            WorkList::Batch asked = good;
+            asked.uid = ::getuid();
+            asked.gid = ::getgid();
+            change(asked);
             const Shell::Output output =
                 Privileged::runHelper({WorkList::cleanMode, WorkList::encode(asked), "Prompt", 60});
             return output.status == 2 && output.standardOutput.empty() && !output.standardError.empty() ? 0
@@ -136,10 +136,8 @@ TEST_F(HelperRunTest, StopsWithWhatItStartedWhenTheUserProcessQuitsDiesOrGivesUp
         SCOPED_TRACE(way);
         const std::string marker = area + "/started";
         const std::string next = areaFile("next item", "n");
-        // The command says who runs it, then becomes the long-running tool itself.
-        const std::string command = "echo $PPID $$ > " + shellQuote(marker + ".part") + " && mv " +
-                                    shellQuote(marker + ".part") + " " + shellQuote(marker) +
-                                    " && exec sleep 600";
+        // The command says who runs it (the helper, itself).
+        const std::string command = announcingThenSleeping(marker, "$PPID $$");
         const WorkList::Batch batch = batchFor({{Kind::command, "i0", command}, {Kind::remove, "i1", next}});
         const Privileged::Request request{WorkList::cleanMode, WorkList::encode(batch), "Prompt",
                                           way == "gives up" ? 1.0 : 600.0};
@@ -189,9 +187,7 @@ TEST_F(HelperRunTest, StopsWithWhatItStartedWhenTheUserProcessQuitsDiesOrGivesUp
 // only as long as its patience.
 TEST_F(HelperRunTest, QuittingGivesUpOnARunThatDoesNotEnd) {
     const std::string marker = area + "/pid";
-    const std::string stubborn = "trap '' TERM; echo $$ > " + shellQuote(marker + ".part") + " && mv " +
-                                 shellQuote(marker + ".part") + " " + shellQuote(marker) +
-                                 " && exec sleep 600";
+    const std::string stubborn = "trap '' TERM; " + announcingThenSleeping(marker, "$$");
     const ScopedAuthorizationTool tool([&](const Privileged::Launch& launch) {
         return Privileged::runProcess({"/bin/sh", "-c", stubborn}, launch);
     });

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -76,31 +75,27 @@ TEST_F(PrivilegedTest, PkexecOutcomes) {
     EXPECT_NE(missing.standardError.find("pkexec is not installed"), std::string::npos);
 
     // Stand-ins for pkexec: one that authorises and runs its arguments, one whose
-    // dialog is dismissed, one without an authentication agent.
-    const std::string granting = home.tree().makeFile("granting", "#!/bin/sh\nexec \"$@\"\n");
-    const std::string dismissing = home.tree().makeFile(
-        "dismissing",
-        "#!/bin/sh\necho 'Error executing command as another user: Request dismissed' >&2\nexit 126\n");
-    const std::string noAgent =
-        home.tree().makeFile("no-agent", "#!/bin/sh\necho 'Error executing command as another user: No "
-                                         "authentication agent found.' >&2\nexit 127\n");
-    for (const std::string& tool : {granting, dismissing, noAgent})
-        ASSERT_EQ(::chmod(tool.c_str(), 0755), 0);
-
-    EXPECT_EQ(Privileged::runThroughPkexec(granting, launch), (Shell::Output{3, "as-admin\n", ""}));
-    const auto dismissed = Privileged::runThroughPkexec(dismissing, launch);
-    EXPECT_EQ(dismissed.status, 126);
-    EXPECT_EQ(dismissed.standardError, "-128: Error executing command as another user: Request dismissed\n");
-    EXPECT_EQ(Privileged::runThroughPkexec(noAgent, launch),
-              (Shell::Output{127, "",
-                             "Error executing command as another user: No authentication agent found.\n"}));
+    // dialog is dismissed (only that one is marked as a cancel), one without an
+    // authentication agent.
+    const std::string refused = "Error executing command as another user: ";
+    const std::vector<std::pair<std::string, Shell::Output>> tools = {
+        {"exec \"$@\"", {3, "as-admin\n", ""}},
+        {"echo '" + refused + "Request dismissed' >&2; exit 126",
+         {126, "", "-128: " + refused + "Request dismissed\n"}},
+        {"echo '" + refused + "No authentication agent found.' >&2; exit 127",
+         {127, "", refused + "No authentication agent found.\n"}}};
+    for (size_t i = 0; i < tools.size(); ++i)
+        EXPECT_EQ(Privileged::runThroughPkexec(
+                      home.tree().makeScript("pkexec-" + std::to_string(i), tools[i].first), launch),
+                  tools[i].second);
 }
 
 TEST_F(PrivilegedTest, RealPkexecWithoutAuthorisationRunsNothing) {
     if (::geteuid() != 0 || ::access("/usr/bin/pkexec", X_OK) != 0)
         GTEST_SKIP() << "needs root (to drop to another user) and an installed pkexec";
-    // Without an agent that can ask the user, pkexec refuses; the helper never runs.
-    const std::string marker = home.tree().path("ran");
+    // Without an agent that can ask the user, pkexec refuses; the helper never runs
+    // (had it run as the user, the marker's folder would have let it write).
+    const std::string marker = home.tree().makeDir("open", 0777) + "/ran";
     Privileged::setHelperPath(VELTRO_TEST_HELPER);
     const int code = runUnprivileged([&] {
         const auto result = Privileged::run("#!/bin/sh\ntouch '" + marker + "'\n", "Prompt", 20);

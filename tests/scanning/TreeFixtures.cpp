@@ -50,5 +50,5 @@ PrivateScratch::~PrivateScratch() {
     }
     // Empty the folder but keep it, as the tmpfs case does.
     for (const std::string& name : entriesOf(folder_))
-        removeTreeByDescriptors(folder_ + "/" + name);
+        removeTreeForcefully(folder_ + "/" + name);
 }

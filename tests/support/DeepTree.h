@@ -12,9 +12,3 @@
 // re-enters folders whose listing is half done. `atLevel(fd, level)` may add more.
 // Returns 0 or an errno.
 int buildDeepTree(const std::string& top, int levels, const std::function<void(int, int)>& atLevel = {});
-
-// Removes `path` and everything below it, opening up folders a test locked on the
-// way. False when something stayed.
-inline bool removeTreeByDescriptors(const std::string& path) {
-    return removeTreeForcefully(path);
-}

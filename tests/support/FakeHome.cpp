@@ -4,15 +4,23 @@
 
 #include <cstdlib>
 
-FakeHome::FakeHome() {
-    if (const char* home = std::getenv("HOME")) {
-        hadHome_ = true;
-        previousHome_ = home;
-    }
-    if (const char* tmp = std::getenv("TMPDIR")) {
-        hadTmp_ = true;
-        previousTmp_ = tmp;
-    }
+namespace {
+
+std::optional<std::string> variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+void restore(const char* name, const std::optional<std::string>& value) {
+    if (value)
+        ::setenv(name, value->c_str(), 1);
+    else
+        ::unsetenv(name);
+}
+
+} // namespace
+
+FakeHome::FakeHome() : previousHome_(variable("HOME")), previousTmp_(variable("TMPDIR")) {
     home_ = tree_.makeDir("home");
     tmp_ = tree_.makeDir("tmp");
     ::setenv("HOME", home_.c_str(), 1);
@@ -26,14 +34,8 @@ FakeHome::FakeHome() {
 FakeHome::~FakeHome() {
     // The process keeps the first home it saw; restoring only keeps later trees of
     // this process out of a folder that is about to disappear.
-    if (hadHome_)
-        ::setenv("HOME", previousHome_.c_str(), 1);
-    else
-        ::unsetenv("HOME");
-    if (hadTmp_)
-        ::setenv("TMPDIR", previousTmp_.c_str(), 1);
-    else
-        ::unsetenv("TMPDIR");
+    restore("HOME", previousHome_);
+    restore("TMPDIR", previousTmp_);
 }
 
 std::string FakeHome::makeDir(const std::string& relative) const {

@@ -6,6 +6,7 @@
 
 #include "support/TempTree.h"
 
+#include <optional>
 #include <string>
 
 class FakeHome {
@@ -32,8 +33,6 @@ private:
     TempTree tree_;
     std::string home_;
     std::string tmp_;
-    std::string previousHome_;
-    std::string previousTmp_;
-    bool hadHome_ = false;
-    bool hadTmp_ = false;
+    std::optional<std::string> previousHome_;
+    std::optional<std::string> previousTmp_;
 };

@@ -7,8 +7,7 @@
 #include <sys/stat.h>
 #include <vector>
 
-bool exists(const std::string& path);   // a dangling link exists
-mode_t typeOf(const std::string& path); // S_IFREG, S_IFDIR, S_IFLNK, ...; 0 when absent
+bool exists(const std::string& path);                          // a dangling link exists
 std::vector<std::string> entriesOf(const std::string& folder); // names, sorted; none when unreadable
 std::string readFile(const std::string& path);                 // "<unreadable>" when it cannot be opened
 struct stat statOf(const std::string& path);                   // lstat; zero but for owner -1 when absent

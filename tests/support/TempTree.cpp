@@ -30,11 +30,16 @@ std::string baseTemporaryFolder() {
     return base;
 }
 
-// A new file (replacing any) at `full`, its folders made first.
-int created(const std::string& full) {
+// `full` once its folders exist.
+const std::string& withParents(const std::string& full) {
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::path(full).parent_path(), ignored);
-    const int fd = ::open(full.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    return full;
+}
+
+// A new file (replacing any) at `full`, its folders made first.
+int created(const std::string& full) {
+    const int fd = ::open(withParents(full).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0)
         fail("open " + full);
     return fd;
@@ -113,32 +118,28 @@ std::string TempTree::makeSparseFile(const std::string& relative, int64_t bytes)
 }
 
 std::string TempTree::makeSymlink(const std::string& relative, const std::string& target) const {
-    const std::string full = path(relative);
-    std::filesystem::create_directories(std::filesystem::path(full).parent_path());
+    const std::string full = withParents(path(relative));
     if (::symlink(target.c_str(), full.c_str()) != 0)
         fail("symlink " + full);
     return full;
 }
 
 std::string TempTree::makeHardLink(const std::string& relative, const std::string& existingRelative) const {
-    const std::string full = path(relative);
-    std::filesystem::create_directories(std::filesystem::path(full).parent_path());
+    const std::string full = withParents(path(relative));
     if (::link(path(existingRelative).c_str(), full.c_str()) != 0)
         fail("link " + full);
     return full;
 }
 
 std::string TempTree::makeFifo(const std::string& relative) const {
-    const std::string full = path(relative);
-    std::filesystem::create_directories(std::filesystem::path(full).parent_path());
+    const std::string full = withParents(path(relative));
     if (::mkfifo(full.c_str(), 0644) != 0)
         fail("mkfifo " + full);
     return full;
 }
 
 std::string TempTree::makeSocket(const std::string& relative) const {
-    const std::string full = path(relative);
-    std::filesystem::create_directories(std::filesystem::path(full).parent_path());
+    const std::string full = withParents(path(relative));
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (full.size() >= sizeof address.sun_path)

@@ -1,5 +1,6 @@
 #include "support/TrashRestore.h"
 
+#include "platform/Paths.h"
 #include "support/PathQueries.h"
 
 #include <cctype>
@@ -9,11 +10,6 @@
 #include <unistd.h>
 
 namespace {
-
-std::string parentOf(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
 
 // The decoded Path= of an info file that is exactly its three lines; empty otherwise.
 std::string originalPath(const std::string& info) {
@@ -40,13 +36,13 @@ std::string originalPath(const std::string& info) {
 } // namespace
 
 Restored restoreFromTrash(const std::string& trashed) {
-    const std::string trash = parentOf(parentOf(trashed));
+    const std::string trash = Paths::parentFolder(Paths::parentFolder(trashed));
     const std::string info = trash + "/info/" + trashed.substr(trashed.rfind('/') + 1) + ".trashinfo";
     std::string original = originalPath(readFile(info));
     if (original.empty())
         return {{}, "no valid info file at " + info + ": " + readFile(info)};
     if (original.front() != '/')
-        original = parentOf(trash) + "/" + original;
+        original = Paths::parentFolder(trash) + "/" + original;
     if (exists(original))
         return {{}, "something is in the way at " + original};
     if (::rename(trashed.c_str(), original.c_str()) != 0 || ::unlink(info.c_str()) != 0)

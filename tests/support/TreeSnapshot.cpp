@@ -1,6 +1,7 @@
 #include "support/TreeSnapshot.h"
 
-#include <fcntl.h>
+#include "support/PathQueries.h"
+
 #include <ftw.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,16 +12,9 @@ thread_local TreeSnapshot* current = nullptr;
 thread_local const std::set<std::string>* skipped = nullptr;
 
 std::string hashOfFile(const char* path) {
-    const int fd = ::open(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0)
-        return "unreadable";
     unsigned long long hash = 1469598103934665603ULL;
-    char buffer[65536];
-    ssize_t n = 0;
-    while ((n = ::read(fd, buffer, sizeof buffer)) > 0)
-        for (ssize_t i = 0; i < n; ++i)
-            hash = (hash ^ static_cast<unsigned char>(buffer[i])) * 1099511628211ULL;
-    ::close(fd);
+    for (const char byte : readFile(path))
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211ULL;
     return std::to_string(hash);
 }
 
