@@ -38,9 +38,10 @@ const std::string cloudWarning =
 void walkInOrder(const std::string& folder, std::vector<std::string>& files) {
     for (const std::string& name : namesInListingOrder(folder)) {
         const std::string path = folder + "/" + name;
-        if (typeOf(path) == S_IFREG)
+        const mode_t type = statOf(path).st_mode & S_IFMT;
+        if (type == S_IFREG)
             files.push_back(path);
-        else if (typeOf(path) == S_IFDIR)
+        else if (type == S_IFDIR)
             walkInOrder(path, files);
     }
 }
