@@ -1,7 +1,7 @@
 // The rule table's contents are its own documentation; where each rule's paths land is
 // checked by scanning real trees (the scanner and Linux desktop suites). Here: the
-// order that decides which rule claims a path, the display order built from it, what
-// the user caches must leave out, and the commands that change the system.
+// order that decides which rule claims a path, the display order built from it and what
+// the user caches must leave out.
 
 #include "catalogue/CleanupRules.h"
 
@@ -79,26 +79,6 @@ TEST(CleanupRules, UserCachesLeaveOutTheApplicationsOwnFolders) {
     const auto& children = std::get<Source::Children>(caches.sources.at(0).value);
     for (const char* own : {CleanupRules::bundleIdentifier, CleanupRules::earlierBundleIdentifier})
         EXPECT_TRUE(children.exclude.contains(own)) << own;
-}
-
-// What each offered command runs and whether it asks for the administrator: the texts
-// also key their Linux forms, so a slip changes what runs.
-TEST(CleanupRules, CommandsRunExactlyTheseTexts) {
-    catalogueHome();
-    using Command = std::tuple<std::string, std::string, bool>;
-    std::vector<Command> commands;
-    for (const Rule& rule : CleanupRules::rules())
-        for (const Source& source : rule.sources)
-            if (const auto* command = std::get_if<Source::Command>(&source.value))
-                commands.emplace_back(command->id, command->shell, command->admin);
-    EXPECT_EQ(commands, (std::vector<Command>{
-                            {"cmd.simctl", "xcrun simctl delete unavailable", false},
-                            {"cmd.brew", "brew cleanup -s --prune=all", false},
-                            {"cmd.docker", "docker builder prune -af", false},
-                            {"cmd.tmutil",
-                             "for d in $(tmutil listlocalsnapshotdates / | grep -E '^[0-9]'); do tmutil "
-                             "deletelocalsnapshots \"$d\"; done",
-                             true}}));
 }
 
 TEST(CleanupRules, AHomeOfTheRootFolderProtectsItsFoldersThere) {
