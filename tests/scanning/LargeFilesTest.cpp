@@ -165,6 +165,8 @@ TEST(LargeFiles, HitsCarryCanonicalPathsAndWarnings) {
         else
             ADD_FAILURE() << "unexpected hit " << hit.path;
     }
+    for (const char* disk : {"Docker.raw", "OrbStack/data.img", "a.qcow2", "b.vdi", "Parallels/c.hdd"})
+        EXPECT_EQ(JunkScanner::warning(std::string("/home/a/") + disk), vmWarning) << disk;
     // A VM disk in iCloud Drive warns about the VM first.
     EXPECT_EQ(JunkScanner::warning("/home/a/Library/Mobile Documents/UTM/disk.img"), vmWarning);
     EXPECT_EQ(JunkScanner::warning("/home/a/Pictures/Photos Library.photoslibrary/originals/1.heic"),

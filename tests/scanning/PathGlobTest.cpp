@@ -82,6 +82,10 @@ TEST(PathGlob, WildcardsMatchEachListingInOrderWithoutRemovingDuplicates) {
     EXPECT_EQ(PathGlob::expand(names + "/?1"), inListingOrder(names, {"a1", "b1"}));
     EXPECT_TRUE(PathGlob::expand(names + "/[x]").empty());
     EXPECT_EQ(PathGlob::expand(names + "/[[]x]"), inListingOrder(names, {"[x]"}));
+    // Classes, negated classes and ranges, as the rule table's patterns use them.
+    EXPECT_EQ(PathGlob::expand(names + "/[ab]1"), inListingOrder(names, {"a1", "b1"}));
+    EXPECT_EQ(PathGlob::expand(names + "/[!a]1"), inListingOrder(names, {"b1"}));
+    EXPECT_EQ(PathGlob::expand(names + "/.[a-c][0-9]"), inListingOrder(names, {".a3"}));
 
     Paths nested;
     for (const std::string& outer : namesInListingOrder(top))
