@@ -2,7 +2,8 @@
 // where that byte was, a name built to forge report lines and drive the terminal, and
 // the quotes, backslashes and control characters JSON must escape.
 
-#include "CommandRun.h"
+#include "support/BinaryRun.h"
+#include "support/FakeHome.h"
 
 #include "platform/Paths.h"
 #include "support/PathQueries.h"
@@ -24,13 +25,13 @@ TEST(HeadlessNames, ItemIsChosenByItsBytesAndReportsShowNamesEscaped) {
     for (const char* name : {"q\"uote", "back\\slash", "ctl\x01\x1f"})
         paths.push_back(home.makeFileOfSize(std::string("Library/Caches/") + name, 10'000));
 
-    const CommandRun text = CommandRun::of(home, {"scan"});
+    const BinaryRun text = BinaryRun::of({"scan"});
     ASSERT_EQ(text.status, 0) << text.err;
     EXPECT_EQ(text.out.find('\x1b'), std::string::npos);
     EXPECT_NE(text.out.find("evil\\n  9.9 GB  forged\\e[2J  ("), std::string::npos) << text.out;
     EXPECT_NE(text.out.find("Caches/x\\xff  ("), std::string::npos) << text.out;
 
-    const CommandRun scan = CommandRun::of(home, {"scan", "--json"});
+    const BinaryRun scan = BinaryRun::of({"scan", "--json"});
     ASSERT_EQ(scan.status, 0) << scan.err;
     EXPECT_EQ(std::count(scan.out.begin(), scan.out.end(), '\n'), 1);
     QStringDecoder utf8(QStringDecoder::Utf8);
@@ -53,7 +54,7 @@ TEST(HeadlessNames, ItemIsChosenByItsBytesAndReportsShowNamesEscaped) {
         EXPECT_EQ(found->second.contains("pathBytes"), path == invalid) << path;
     }
 
-    const CommandRun clean = CommandRun::of(home, {"clean", "--item", invalid, "--yes", "--json"});
+    const BinaryRun clean = BinaryRun::of({"clean", "--item", invalid, "--yes", "--json"});
     ASSERT_EQ(clean.status, 0) << clean.err;
     EXPECT_FALSE(exists(invalid));
     EXPECT_TRUE(exists(lookAlike));

@@ -1,7 +1,8 @@
 // `veltro scan` and `veltro clean` as a user runs them: the real binary in a child
 // process over a fake home, judged by its output, exit status and the files.
 
-#include "CommandRun.h"
+#include "support/BinaryRun.h"
+#include "support/FakeHome.h"
 
 #include "catalogue/CleanupRules.h"
 #include "support/PathQueries.h"
@@ -49,7 +50,7 @@ TEST(ScanCommand, JsonHasTheDocumentedShape) {
     home.makeFileOfSize("Library/Caches/plain", 10'000);
     home.installTool("brew", "exit 0");
 
-    const CommandRun run = CommandRun::of(home, {"scan", "--json"});
+    const BinaryRun run = BinaryRun::of({"scan", "--json"});
     ASSERT_EQ(run.status, 0) << run.err;
     const QJsonObject root = run.json();
 
@@ -85,7 +86,7 @@ TEST(ScanCommand, JsonHasTheDocumentedShape) {
         }
     }
     // The text report counts each folder once, whichever categories searched it.
-    const CommandRun text = CommandRun::of(home, {"scan"});
+    const BinaryRun text = BinaryRun::of({"scan"});
     EXPECT_NE(text.out.find("\nSearched " + std::to_string(searched.size()) + " places.\n"),
               std::string::npos)
         << text.out;
@@ -112,7 +113,7 @@ TEST(HeadlessArguments, BadArgumentsFailWithOneLineNamingThemAndChangeNothing) {
         {{"clean", "--recommended"}, "--yes"},                      // no terminal to confirm on
     };
     for (const auto& [arguments, named] : cases) {
-        const CommandRun run = CommandRun::of(fixture.home, arguments);
+        const BinaryRun run = BinaryRun::of(arguments);
         const std::string shown = arguments[0] + " " + arguments[1];
         EXPECT_EQ(run.status, 2) << shown << "\n" << run.err;
         EXPECT_EQ(lineCount(run.err), 1) << shown << "\n" << run.err;
@@ -128,7 +129,7 @@ TEST(CleanCommand, DryRunThenYesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     Fixture fixture;
     FakeHome& home = fixture.home;
     const TreeSnapshot before = snapshotTree(home.home());
-    const CommandRun dry = CommandRun::of(home, {"clean", "--recommended", "--dry-run"});
+    const BinaryRun dry = BinaryRun::of({"clean", "--recommended", "--dry-run"});
     EXPECT_EQ(dry.status, 0) << dry.err;
     // Two caches and the log to the Trash, the old Trash item deleted for good.
     for (const char* line : {"Clean 4 Items", "Move to Trash (recoverable)", "3 items",
@@ -137,7 +138,7 @@ TEST(CleanCommand, DryRunThenYesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     EXPECT_EQ(dry.out.find("Cleaned"), std::string::npos) << dry.out;
     EXPECT_EQ(describeDifferences(before, snapshotTree(home.home())), "");
 
-    const CommandRun run = CommandRun::of(home, {"clean", "--recommended", "--yes"});
+    const BinaryRun run = BinaryRun::of({"clean", "--recommended", "--yes"});
     EXPECT_EQ(run.status, 0) << run.out << run.err;
     EXPECT_NE(run.out.find("Cleaned 4 Items"), std::string::npos) << run.out;
     for (const std::string& path : {fixture.cacheA, fixture.cacheB, fixture.log, fixture.oldTrash})
@@ -148,8 +149,7 @@ TEST(CleanCommand, DryRunThenYesCleansIntoTheTrashAndPurgeDeletesWhatItMoved) {
     EXPECT_TRUE(exists(fixture.document));
 
     const std::string fresh = home.makeFileOfSize("Library/Caches/com.example.fresh/blob", 50'000);
-    const CommandRun purged =
-        CommandRun::of(home, {"clean", "--category", "user.caches", "--yes", "--purge"});
+    const BinaryRun purged = BinaryRun::of({"clean", "--category", "user.caches", "--yes", "--purge"});
     EXPECT_EQ(purged.status, 0) << purged.out << purged.err;
     EXPECT_NE(purged.out.find("Cleaned 1 Item\n"), std::string::npos) << purged.out;
     EXPECT_NE(purged.out.find("Deleted permanently — freed "), std::string::npos) << purged.out;
@@ -164,7 +164,7 @@ TEST(HeadlessRun, WaitingForTheScanLeavesTheProcessorAlone) {
     FakeHome home;
     // The probe holds the scan for three seconds in which nothing happens.
     home.installTool("xcrun", "sleep 3\necho 'iPhone (unavailable)'");
-    const CommandRun run = CommandRun::of(home, {"scan"});
+    const BinaryRun run = BinaryRun::of({"scan"});
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_GE(run.wallSeconds, 3.0);
     EXPECT_LT(run.cpuSeconds, 0.5) << "busy-waiting during " << run.wallSeconds << " s";

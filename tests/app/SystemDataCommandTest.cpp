@@ -1,7 +1,8 @@
 // `veltro system-data` as root runs it (no password dialog): the real binary measuring
 // a fake home's Linux folders and the system's, and running or refusing an action.
 
-#include "CommandRun.h"
+#include "support/BinaryRun.h"
+#include "support/FakeHome.h"
 
 #include "catalogue/LinuxCommands.h"
 #include "platform/ShellQuote.h"
@@ -23,7 +24,7 @@ TEST(SystemDataCommand, ReportsWhatDuMeasuresAsJsonAndAsATable) {
     home.makeFileOfSize(".local/share/flatpak/runtime/org.example.Platform/files.bin", 120'000);
     home.makeFileOfSize(".var/app/org.example.App/data/db", 60'000);
 
-    const CommandRun run = CommandRun::of(home, {"system-data", "--json"});
+    const BinaryRun run = BinaryRun::of({"system-data", "--json"});
     ASSERT_EQ(run.status, 0) << run.err;
     const QJsonObject report = run.json();
     std::map<std::string, QJsonObject> entries;
@@ -46,7 +47,7 @@ TEST(SystemDataCommand, ReportsWhatDuMeasuresAsJsonAndAsATable) {
     // measurement script's exclusions.
 
     // The table: every area by its title here.
-    const CommandRun table = CommandRun::of(home, {"system-data"});
+    const BinaryRun table = BinaryRun::of({"system-data"});
     ASSERT_EQ(table.status, 0) << table.err;
     EXPECT_NE(table.out.find("  Mail "), std::string::npos) << table.out;
     EXPECT_EQ(table.out.find("Time Machine"), std::string::npos) << table.out;
@@ -63,15 +64,15 @@ TEST(SystemDataCommand, RunsAnActionOrRefusesOneThatCannotRun) {
     for (const std::string tool : {"tracker3", "balooctl"})
         home.installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log));
 
-    const CommandRun indexes = CommandRun::of(home, {"system-data", "--run", "spotlight", "--yes"});
+    const BinaryRun indexes = BinaryRun::of({"system-data", "--run", "spotlight", "--yes"});
     EXPECT_EQ(indexes.status, 0) << indexes.err;
     EXPECT_EQ(readFile(log), "tracker3 reset --filesystem\nbalooctl purge\n");
     EXPECT_EQ(indexes.out.rfind("Rebuild Indexes completed — ", 0), 0u) << indexes.out;
 
-    const CommandRun runtimes = CommandRun::of(home, {"system-data", "--run", "simruntimes", "--yes"});
+    const BinaryRun runtimes = BinaryRun::of({"system-data", "--run", "simruntimes", "--yes"});
     EXPECT_EQ(runtimes.status, 1);
     EXPECT_EQ(runtimes.err, "Remove Unused Runtimes: flatpak is not installed\n");
-    EXPECT_EQ(CommandRun::of(home, {"system-data", "--run", "nothing", "--yes"}).status, 2);
+    EXPECT_EQ(BinaryRun::of({"system-data", "--run", "nothing", "--yes"}).status, 2);
     // Without a terminal to ask on, only --yes runs it.
-    EXPECT_EQ(CommandRun::of(home, {"system-data", "--run", "spotlight"}).status, 2);
+    EXPECT_EQ(BinaryRun::of({"system-data", "--run", "spotlight"}).status, 2);
 }

@@ -68,11 +68,11 @@ TEST_F(CategoryTable, HeadersSortAndTheFieldFiltersNamesAndLocationsWhateverTheC
     scanPackages();
     // Largest first; the command's unknown size sorts after every known one.
     EXPECT_TRUE(shows({gradle, npmLogs, npmCache, brew}));
-    EXPECT_EQ(part(row(brew), "itemSize")->property("text").toString(), "—");
-    EXPECT_EQ(part(row(brew), "itemModified")->property("text").toString(), "—");
-    EXPECT_EQ(part(row(npmLogs), "itemSize")->property("text").toString(),
+    EXPECT_EQ(partText(row(brew), "itemSize"), "—");
+    EXPECT_EQ(partText(row(brew), "itemModified"), "—");
+    EXPECT_EQ(partText(row(npmLogs), "itemSize"),
               Format::byteCount(row(npmLogs)->property("size").toLongLong()));
-    EXPECT_EQ(part(row(npmLogs), "itemModified")->property("text").toString(), "3 days ago");
+    EXPECT_EQ(partText(row(npmLogs), "itemModified"), "3 days ago");
 
     // A header sorts by its column, a second click reverses; an unknown date is the
     // oldest of all.
@@ -109,8 +109,8 @@ TEST_F(CategoryTable, RowsShowLocationNoteBadgeAndIcon) {
     EXPECT_FALSE(visible("commonLocationLabel"));
     QQuickItem* command = row(brew);
     ASSERT_NE(command, nullptr);
-    EXPECT_EQ(part(command, "itemLocation")->property("text").toString(), brewCommand);
-    EXPECT_EQ(part(row(gradle), "itemLocation")->property("text").toString(), "~/.gradle");
+    EXPECT_EQ(partText(command, "itemLocation"), brewCommand);
+    EXPECT_EQ(partText(row(gradle), "itemLocation"), "~/.gradle");
     EXPECT_EQ(part(command, "nameCell")->property("help").toString(), brewCommand);
     EXPECT_EQ(part(row(gradle), "nameCell")->property("help").toString(), homePath(".gradle/caches"));
 
@@ -151,9 +151,8 @@ TEST_F(CategoryTable, CommonLocationShowsOnceUntilOneItemLiesElsewhere) {
         for (QQuickItem* each : rows())
             EXPECT_EQ(part(each, "itemLocation")->isVisible(), elsewhere);
     }
-    EXPECT_EQ(part(row("editor.crash"), "itemLocation")->property("text").toString(),
-              "~/Library/Logs/DiagnosticReports");
-    EXPECT_EQ(part(row("second.log"), "itemLocation")->property("text").toString(), "~/Library/Logs");
+    EXPECT_EQ(partText(row("editor.crash"), "itemLocation"), "~/Library/Logs/DiagnosticReports");
+    EXPECT_EQ(partText(row("second.log"), "itemLocation"), "~/Library/Logs");
 }
 
 TEST_F(CategoryTable, HighlightIsNotTheCheckSelectionAndTheMenuActsOnIt) {

@@ -95,12 +95,7 @@ TEST_F(OverviewParts, CapacityBarCapsWhatWasFoundAtWhatIsUsed) {
     QObject* bar = find("capacity");
     ASSERT_NE(bar, nullptr);
     auto legend = [&](const char* entry) { return find(entry)->property("sizeText").toString(); };
-    auto widths = [&] {
-        std::vector<double> out;
-        for (const QVariant& width : bar->property("segmentWidths").toList())
-            out.push_back(width.toDouble());
-        return out;
-    };
+    auto widths = [&] { return UiHarness::numbersOf(bar->property("segmentWidths")); };
     struct Case {
         double total, available, found, selected;
         std::vector<double> widths; // used outside what was found, checked, found not checked, free

@@ -37,16 +37,12 @@ protected:
             out << row.toMap().value(QString::fromLatin1(field)).toString();
         return out;
     }
-    QString textOf(QQuickItem* row, const char* name) {
-        QQuickItem* child = part(row, name);
-        return child ? child->property("text").toString() : QString();
-    }
     void clickVisible(QQuickItem* target) { clickInScroller(QStringLiteral("overviewPage"), target); }
 };
 
 } // namespace
 
-TEST_F(OverviewRanking, RanksTheEightLargestCategoriesWithProportionalBars) {
+TEST_F(OverviewRanking, RanksTheEightLargestCategoriesAndItemsWhoseRowsOpenCheckAndReveal) {
     // Rows reorder without sliding, so a row stays where it is clicked.
     ReduceMotionScope still(true);
     addCategories();
@@ -67,8 +63,8 @@ TEST_F(OverviewRanking, RanksTheEightLargestCategoriesWithProportionalBars) {
     const std::vector<QQuickItem*> rows = rowsOf("rankingList", "rankRow_");
     for (QQuickItem* row : rows) {
         const QString id = row->property("categoryId").toString();
-        EXPECT_EQ(textOf(row, "rankTitle"), model().categoryInfo(id).value("title").toString());
-        EXPECT_EQ(textOf(row, "rankSize"), Format::byteCount(model().totalSize(id)));
+        EXPECT_EQ(partText(row, "rankTitle"), model().categoryInfo(id).value("title").toString());
+        EXPECT_EQ(partText(row, "rankSize"), Format::byteCount(model().totalSize(id)));
     }
 
     // The largest fills its track; the smallest share is far under six pixels and
@@ -81,7 +77,45 @@ TEST_F(OverviewRanking, RanksTheEightLargestCategoriesWithProportionalBars) {
     }));
     EXPECT_LT(last->property("fraction").toDouble() * last->property("barWidth").toDouble(), 6);
 
-    // A row opens its category.
+    // The largest items: ties in model order.
+    const QStringList largest{"Google",         "com.example.editor", "Proj-abc",           "mod",
+                              "old-report.pdf", "clip.mov",           "org.example.player", "installer.zip"};
+    ASSERT_TRUE(UiHarness::waitFor([&] {
+        return propertyOf(rowsOf("largestList", "itemRow"), "name") == largest;
+    })) << propertyOf(rowsOf("largestList", "itemRow"), "name").join(' ').toStdString();
+    EXPECT_GT(model().items().size(), 8u);
+    EXPECT_FALSE(visible("largestPlaceholder"));
+    const std::vector<QQuickItem*> itemRows = rowsOf("largestList", "itemRow");
+    for (QQuickItem* row : itemRows) {
+        const ScanItem* found = model().findItem(ItemKey::toID(row->property("key").toString()));
+        ASSERT_NE(found, nullptr);
+        EXPECT_EQ(partText(row, "itemCategory"),
+                  model().categoryInfo(QString::fromStdString(found->categoryID)).value("title").toString());
+        EXPECT_EQ(partText(row, "itemLocation"), ItemKey::displayText(found->location()));
+        EXPECT_EQ(partText(row, "itemSize"), Format::byteCount(*found->size));
+    }
+
+    // A row's check ticks its item; its reveal button shows only under the pointer.
+    QQuickItem* row = itemRows.front();
+    const QString key = row->property("key").toString();
+    QQuickItem* check = part(row, "itemCheck");
+    QQuickItem* reveal = part(row, "itemReveal");
+    ASSERT_TRUE(check && reveal);
+    clickVisible(check);
+    EXPECT_TRUE(model().isItemSelected(key));
+    EXPECT_EQ(check->property("mark").toString(), "on");
+    clickVisible(check);
+    EXPECT_FALSE(model().isItemSelected(key));
+    QTest::mouseMove(window(), QPoint(2, 2));
+    EXPECT_TRUE(UiHarness::waitFor([&] { return reveal->opacity() == 0; }));
+    UrlRecorder opened;
+    QSignalSpy finished(Platform::instance(), &Platform::revealFinished);
+    clickVisible(reveal);
+    EXPECT_TRUE(UiHarness::waitFor([&] { return reveal->opacity() == 1; }));
+    ASSERT_TRUE(UiHarness::waitFor([&] { return finished.count() == 1; }, 15000));
+    EXPECT_EQ(finished.at(0).at(0).toString(), row->property("path").toString());
+
+    // A ranking row opens its category.
     clickVisible(part(rows[2], "rankOpen"));
     EXPECT_EQ(read("contentView", "routeKind").toString(), "category");
     EXPECT_EQ(read("contentView", "routeCategory").toString(), "dev.derived");
@@ -111,49 +145,6 @@ TEST_F(OverviewRanking, RankCheckGoesFromPartialToAllToNone) {
     clickVisible(check);
     EXPECT_EQ(model().selectedCount("user.caches"), 0);
     EXPECT_EQ(look(), QStringList({"off", "circle", "Select"}));
-}
-
-TEST_F(OverviewRanking, ListsTheEightLargestItemsInModelOrderOnTiesWhoseRowsCheckAndReveal) {
-    // Rows reorder without sliding, so a row stays where it is clicked.
-    ReduceMotionScope still(true);
-    addCategories();
-    ASSERT_TRUE(scanToEnd());
-    const QStringList expected{"Google",         "com.example.editor", "Proj-abc",           "mod",
-                               "old-report.pdf", "clip.mov",           "org.example.player", "installer.zip"};
-    ASSERT_TRUE(UiHarness::waitFor([&] {
-        return propertyOf(rowsOf("largestList", "itemRow"), "name") == expected;
-    })) << propertyOf(rowsOf("largestList", "itemRow"), "name").join(' ').toStdString();
-    EXPECT_GT(model().items().size(), 8u);
-    EXPECT_FALSE(visible("largestPlaceholder"));
-    const std::vector<QQuickItem*> rows = rowsOf("largestList", "itemRow");
-    for (QQuickItem* row : rows) {
-        const ScanItem* found = model().findItem(ItemKey::toID(row->property("key").toString()));
-        ASSERT_NE(found, nullptr);
-        EXPECT_EQ(textOf(row, "itemCategory"),
-                  model().categoryInfo(QString::fromStdString(found->categoryID)).value("title").toString());
-        EXPECT_EQ(textOf(row, "itemLocation"), ItemKey::displayText(found->location()));
-        EXPECT_EQ(textOf(row, "itemSize"), Format::byteCount(*found->size));
-    }
-
-    // A row's check ticks its item; its reveal button shows only under the pointer.
-    QQuickItem* row = rows.front();
-    const QString key = row->property("key").toString();
-    QQuickItem* check = part(row, "itemCheck");
-    QQuickItem* reveal = part(row, "itemReveal");
-    ASSERT_TRUE(check && reveal);
-    clickVisible(check);
-    EXPECT_TRUE(model().isItemSelected(key));
-    EXPECT_EQ(check->property("mark").toString(), "on");
-    clickVisible(check);
-    EXPECT_FALSE(model().isItemSelected(key));
-    QTest::mouseMove(window(), QPoint(2, 2));
-    EXPECT_TRUE(UiHarness::waitFor([&] { return reveal->opacity() == 0; }));
-    UrlRecorder opened;
-    QSignalSpy finished(Platform::instance(), &Platform::revealFinished);
-    clickVisible(reveal);
-    EXPECT_TRUE(UiHarness::waitFor([&] { return reveal->opacity() == 1; }));
-    ASSERT_TRUE(UiHarness::waitFor([&] { return finished.count() == 1; }, 15000));
-    EXPECT_EQ(finished.at(0).at(0).toString(), row->property("path").toString());
 }
 
 // A command has no size: it is never a largest item, and its category is not ranked.

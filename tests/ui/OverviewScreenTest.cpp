@@ -23,13 +23,6 @@ QColor groupTint(const QString& group) {
     return QColor::fromRgbF(float(tint.red), float(tint.green), float(tint.blue));
 }
 
-std::vector<double> segmentWidths(const QVariant& widths) {
-    std::vector<double> out;
-    for (const QVariant& width : widths.toList())
-        out.push_back(width.toDouble());
-    return out;
-}
-
 } // namespace
 
 TEST_F(OverviewScreen, HeroCardFollowsTheScan) {
@@ -48,7 +41,7 @@ TEST_F(OverviewScreen, HeroCardFollowsTheScan) {
     EXPECT_TRUE(visible("heroMagnifier"));
     EXPECT_FALSE(visible("heroFoundTotal"));
     EXPECT_TRUE(read("breakdownDonut", "arcs").toList().isEmpty());
-    EXPECT_EQ(segmentWidths(read("capacity", "segmentWidths"))[2], 0);
+    EXPECT_EQ(UiHarness::numbersOf(read("capacity", "segmentWidths"))[2], 0);
     EXPECT_EQ(text("heroCapacity"), text("subtitle"));
 
     model().scan();
@@ -91,7 +84,7 @@ TEST_F(OverviewScreen, HeroCardFollowsTheScan) {
 
     // The bar now shows what was found as cleanable.
     EXPECT_EQ(read("legendCleanable", "sizeText").toString(), Format::byteCount(model().foundTotal()));
-    EXPECT_GT(segmentWidths(read("capacity", "segmentWidths"))[2], 0);
+    EXPECT_GT(UiHarness::numbersOf(read("capacity", "segmentWidths"))[2], 0);
 }
 
 TEST_F(OverviewScreen, GroupChipsShowTotalsAndOpenTheLargestCategory) {

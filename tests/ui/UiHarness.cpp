@@ -53,6 +53,13 @@ bool waitFor(const std::function<bool()>& done, int timeoutMs) {
     return true;
 }
 
+std::vector<double> numbersOf(const QVariant& list) {
+    std::vector<double> out;
+    for (const QVariant& each : list.toList())
+        out.push_back(each.toDouble());
+    return out;
+}
+
 bool similar(const QColor& a, const QColor& b, int tolerance) {
     return std::abs(a.red() - b.red()) <= tolerance && std::abs(a.green() - b.green()) <= tolerance &&
            std::abs(a.blue() - b.blue()) <= tolerance && std::abs(a.alpha() - b.alpha()) <= tolerance;

@@ -12,11 +12,13 @@
 #include <QString>
 #include <QStringList>
 #include <QUrl>
+#include <QVariant>
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace UiHarness {
 
@@ -29,6 +31,9 @@ QStringList takeMessages();
 // Spins the event loop until `done` returns true or `timeoutMs` passes; returns the
 // last value of `done`. The limit is generous: a machine busy with a build is slow.
 bool waitFor(const std::function<bool()>& done, int timeoutMs = 10000);
+
+// The numbers a QML list holds, in order.
+std::vector<double> numbersOf(const QVariant& list);
 
 // Whether every channel of `a` and `b` (alpha included) differs by at most `tolerance`.
 bool similar(const QColor& a, const QColor& b, int tolerance);

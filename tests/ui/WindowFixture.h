@@ -74,6 +74,10 @@ protected:
 
     // The named child of `parent`, or null with a test failure.
     QQuickItem* part(QQuickItem* parent, const QString& name);
+    QString partText(QQuickItem* parent, const QString& name) {
+        QQuickItem* child = part(parent, name);
+        return child ? child->property("text").toString() : QString();
+    }
     // The `property` of each of `items`, as text, in their order.
     static QStringList propertyOf(const std::vector<QQuickItem*>& items, const char* property);
 
