@@ -113,14 +113,7 @@ ScanItems AppModel::itemsToClean() const {
 }
 
 qint64 AppModel::itemsToCleanTotal() const {
-    if (cleanScope_.isEmpty())
-        return selectedTotal();
-    qint64 sum = 0;
-    if (!selection_.empty())
-        for (const ScanItem& item : itemsOf(cleanScope_.toStdString()))
-            if (selection_.contains(item.id))
-                sum += item.size.value_or(0);
-    return sum;
+    return cleanScope_.isEmpty() ? selectedTotal() : selectedSize(cleanScope_);
 }
 
 const ScanItem* AppModel::findItem(const std::string& id) const {
