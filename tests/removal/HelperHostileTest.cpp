@@ -13,6 +13,7 @@
 #include "removal/AdminBatchScript.h"
 #include "removal/WorkList.h"
 #include "support/ForkedChild.h"
+#include "support/ImmutableFlag.h"
 #include "support/OpenGate.h"
 #include "support/TreeSnapshot.h"
 #include "support/Unprivileged.h"
@@ -23,12 +24,10 @@
 #include <fcntl.h>
 #include <fstream>
 #include <functional>
-#include <linux/fs.h>
 #include <map>
 #include <pwd.h>
 #include <set>
 #include <sstream>
-#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -92,18 +91,6 @@ public:
     }
 
 private:
-    static bool setImmutable(const std::string& path, bool on) {
-        const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-        if (fd < 0)
-            return false;
-        int flags = 0;
-        bool done = ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
-        flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
-        done = done && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
-        ::close(fd);
-        return done;
-    }
-
     std::string root_;
     std::vector<std::string> frozen_;
 };

@@ -3,13 +3,11 @@
 
 #include "WindowFixture.h"
 
+#include "support/ImmutableFlag.h"
 #include "support/PathQueries.h"
 #include "support/SnapshotStandIn.h"
 #include "ui/Format.h"
 
-#include <fcntl.h>
-#include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,14 +28,7 @@ private:
     bool set(bool on) const {
         if (::geteuid() != 0)
             return ::chmod(path_.c_str(), on ? 0555 : 0755) == 0;
-        const int fd = ::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        int flags = 0;
-        bool done = fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
-        flags = on ? (flags | FS_IMMUTABLE_FL) : (flags & ~FS_IMMUTABLE_FL);
-        done = done && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
-        if (fd >= 0)
-            ::close(fd);
-        return done;
+        return setImmutable(path_, on);
     }
 
     std::string path_;
