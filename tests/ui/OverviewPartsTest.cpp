@@ -10,24 +10,13 @@
 #include <QColor>
 #include <QQuickItem>
 
-#include <memory>
-
 namespace {
 
 // The parts' defaults read the application's model: a real one, over a fake home.
 class OverviewParts : public QmlTest {
 protected:
-    void SetUp() override {
-        QmlTest::SetUp();
-        model_ = std::make_unique<AppModel>();
-    }
-    void TearDown() override {
-        QmlTest::TearDown();
-        model_.reset();
-    }
-
     FakeHome home_;
-    std::unique_ptr<AppModel> model_;
+    AppModel model_;
 };
 
 // The arcs the ring computed: colour, then start, end, from, to in turns.

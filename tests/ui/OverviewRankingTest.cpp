@@ -31,12 +31,6 @@ protected:
         home().makeFileOfSize("Library/Developer/Xcode/Archives/2024/App.xcarchive.zip", 60'000);
     }
 
-    QStringList modelList(const QVariantList& rows, const char* field) {
-        QStringList out;
-        for (const QVariant& row : rows)
-            out << row.toMap().value(QString::fromLatin1(field)).toString();
-        return out;
-    }
     void clickVisible(QQuickItem* target) { clickInScroller(QStringLiteral("overviewPage"), target); }
 };
 
@@ -95,17 +89,37 @@ TEST_F(OverviewRanking, RanksTheEightLargestCategoriesAndItemsWhoseRowsOpenCheck
         EXPECT_EQ(partText(row, "itemSize"), Format::byteCount(*found->size));
     }
 
-    // A row's check ticks its item; its reveal button shows only under the pointer.
-    QQuickItem* row = itemRows.front();
-    const QString key = row->property("key").toString();
+    // A row's check ticks its item, which leaves its category's ranking check partial;
+    // that check ticks all of the category, then none.
+    QQuickItem* row = itemRows[1]; // com.example.editor, one of the two user caches
     QQuickItem* check = part(row, "itemCheck");
     QQuickItem* reveal = part(row, "itemReveal");
-    ASSERT_TRUE(check && reveal);
-    clickVisible(check);
-    EXPECT_TRUE(model().isItemSelected(key));
-    EXPECT_EQ(check->property("mark").toString(), "on");
-    clickVisible(check);
-    EXPECT_FALSE(model().isItemSelected(key));
+    QQuickItem* rankCheck = part(item("rankRow_user.caches"), "rankCheck");
+    ASSERT_TRUE(check && reveal && rankCheck);
+    auto look = [&] {
+        return QStringList{rankCheck->property("mark").toString(),
+                           rankCheck->property("symbolName").toString(),
+                           rankCheck->property("toolTipText").toString()};
+    };
+    const QStringList off{"off", "circle", "Select"}, partial{"partial", "minus.circle.fill", "Select"},
+        on{"on", "checkmark.circle.fill", "Deselect"};
+    EXPECT_EQ(look(), off);
+    struct Step {
+        QQuickItem* target;
+        int ticked;
+        const char* itemMark;
+        QStringList rankLook;
+    };
+    for (const Step& step :
+         {Step{check, 1, "on", partial}, Step{rankCheck, 2, "on", on}, Step{check, 1, "off", partial},
+          Step{rankCheck, 2, "on", on}, Step{rankCheck, 0, "off", off}}) {
+        clickVisible(step.target);
+        EXPECT_EQ(model().selectedCount("user.caches"), step.ticked);
+        EXPECT_EQ(check->property("mark").toString(), step.itemMark);
+        EXPECT_EQ(look(), step.rankLook);
+    }
+
+    // Its reveal button shows only under the pointer.
     QTest::mouseMove(window(), QPoint(2, 2));
     EXPECT_TRUE(UiHarness::waitFor([&] { return reveal->opacity() == 0; }));
     UrlRecorder opened;
@@ -119,32 +133,6 @@ TEST_F(OverviewRanking, RanksTheEightLargestCategoriesAndItemsWhoseRowsOpenCheck
     clickVisible(part(rows[2], "rankOpen"));
     EXPECT_EQ(read("contentView", "routeKind").toString(), "category");
     EXPECT_EQ(read("contentView", "routeCategory").toString(), "dev.derived");
-}
-
-TEST_F(OverviewRanking, RankCheckGoesFromPartialToAllToNone) {
-    ReduceMotionScope still(true);
-    ASSERT_TRUE(scanToEnd());
-    ASSERT_TRUE(UiHarness::waitFor([&] {
-        return propertyOf(rowsOf("rankingList", "rankRow_"), "categoryId") ==
-               modelList(model().ranking(), "categoryId");
-    }));
-    const CategoryItems caches = model().itemsOf("user.caches");
-    ASSERT_EQ(caches.size(), 2u);
-    QQuickItem* check = part(item("rankRow_user.caches"), "rankCheck");
-    ASSERT_NE(check, nullptr);
-    auto look = [&] {
-        return QStringList{check->property("mark").toString(), check->property("symbolName").toString(),
-                           check->property("toolTipText").toString()};
-    };
-    EXPECT_EQ(look(), QStringList({"off", "circle", "Select"}));
-    model().setItemSelected(ItemKey::fromID(caches[0].id), true);
-    EXPECT_EQ(look(), QStringList({"partial", "minus.circle.fill", "Select"}));
-    clickVisible(check);
-    EXPECT_EQ(model().selectedCount("user.caches"), 2);
-    EXPECT_EQ(look(), QStringList({"on", "checkmark.circle.fill", "Deselect"}));
-    clickVisible(check);
-    EXPECT_EQ(model().selectedCount("user.caches"), 0);
-    EXPECT_EQ(look(), QStringList({"off", "circle", "Select"}));
 }
 
 // A command has no size: it is never a largest item, and its category is not ranked.
