@@ -1,7 +1,6 @@
 // The System Data screen in the real window: before and after an analysis (run by a
-// stand-in authorisation tool, so the real measurement script measures the fake home
-// and the mostly absent system folders), a dismissed password dialog, the composition
-// bar's order, and the confirmation of an action.
+// stand-in authorisation tool), a dismissed password dialog, the composition bar's
+// order, and the confirmation of an action.
 
 #include "WindowFixture.h"
 
@@ -41,20 +40,24 @@ protected:
     }
 };
 
-// Before any analysis, after one whose password dialog was dismissed, and after one
-// the tool answers for the script: every area 100 KiB (the databases' line holds the
-// logs too, which the report takes away), and two snapshots to delete.
-TEST_F(SystemData, SizesAreUnknownUntilMeasuredAndEqualAreasKeepCatalogueOrder) {
-    home().makeDir("Library/Mail");
-    home().installTool("snapper", snapperWithSnapshots(2));
+// Before any analysis; after one whose password dialog was dismissed; after one that
+// runs the real script over the fake home and the mostly absent system folders; and
+// after one the tool answers for the script: every area 100 KiB (the databases' line
+// holds the logs too, which the report takes away), and two snapshots to delete.
+TEST_F(SystemData, SizesAreUnknownUntilMeasuredThenShownAndEqualAreasKeepCatalogueOrder) {
+    home().makeFileOfSize("Library/Mail/V10/inbox.mbox", 200'000);
+    home().installTool("snapper", snapperWithSnapshots(0));
     int asked = 0;
-    ScopedAuthorizationTool tool([&](const Privileged::Launch&) {
-        return ++asked == 1 ? Shell::Output{1, "", "-128: the dialog was dismissed"}
-                            : Shell::Output{0,
-                                            "vm|100\nunifiedlogs|100\nspotlight|100\nsimruntimes|100\n"
-                                            "vmdisks|100\nfolders|100\nassets|100\ndbother|200\n"
-                                            "appsupport|100\ncontainers|100\nmailmsg|100\ntm|2\n",
-                                            ""};
+    ScopedAuthorizationTool tool([&](const Privileged::Launch& launch) {
+        ++asked;
+        if (asked == 2)
+            return runScriptAsCurrentUser(launch);
+        return asked == 1 ? Shell::Output{1, "", "-128: the dialog was dismissed"}
+                          : Shell::Output{0,
+                                          "vm|100\nunifiedlogs|100\nspotlight|100\nsimruntimes|100\n"
+                                          "vmdisks|100\nfolders|100\nassets|100\ndbother|200\n"
+                                          "appsupport|100\ncontainers|100\nmailmsg|100\ntm|2\n",
+                                          ""};
     });
     showScreen();
     EXPECT_FALSE(visible("systemMessage"));
@@ -99,6 +102,29 @@ TEST_F(SystemData, SizesAreUnknownUntilMeasuredAndEqualAreasKeepCatalogueOrder) 
     expectUnmeasured();
 
     clickOnScreen("analyzeButton");
+    ASSERT_TRUE(model().systemAnalyzing());
+    // At once: the busy label, and placeholders where nothing is measured yet.
+    EXPECT_EQ(text("analyzeButton"), "Analyzing…");
+    EXPECT_TRUE(visible("analyzeBusy"));
+    EXPECT_TRUE(visible("compositionBar"));
+    EXPECT_TRUE(visible("systemMeasuring_vm"));
+    EXPECT_FALSE(visible("systemSize_vm"));
+    ASSERT_TRUE(analysisEnds());
+    EXPECT_EQ(text("analyzeButton"), "Re-analyze");
+    EXPECT_FALSE(visible("analyzeBusy"));
+    EXPECT_FALSE(visible("systemMeasuring_vm"));
+    EXPECT_FALSE(visible("systemMessage"));
+    EXPECT_EQ(sizeText("vm"), "0 KB");
+    // Nothing purgeable: no line at all.
+    EXPECT_EQ(read("systemNote", "text").toString(), "");
+    // The bar holds only what measured above zero.
+    const QStringList measured = read("compositionBar", "order").toStringList();
+    EXPECT_TRUE(measured.contains("mailmsg") && !measured.contains("vm") && !measured.contains("tm"));
+    // No snapshots: "None", and nothing to delete.
+    EXPECT_EQ(sizeText("tm"), "None");
+    EXPECT_FALSE(actionEnabled("tm"));
+
+    clickOnScreen("analyzeButton");
     ASSERT_TRUE(analysisEnds());
     const QStringList expected{"vm",     "unifiedlogs", "spotlight",  "simruntimes", "vmdisks", "folders",
                                "assets", "dbother",     "appsupport", "containers",  "mailmsg"};
@@ -111,39 +137,6 @@ TEST_F(SystemData, SizesAreUnknownUntilMeasuredAndEqualAreasKeepCatalogueOrder) 
         // Every bar full: each area is as large as the largest.
         EXPECT_DOUBLE_EQ(read("systemRow_" + id, "fraction").toDouble(), 1.0) << id.toStdString();
     }
-}
-
-TEST_F(SystemData, AnAnalysisFillsTheSizesAndTheSnapshotCount) {
-    ScopedAuthorizationTool tool(runScriptAsCurrentUser);
-    home().installTool("snapper", snapperWithSnapshots(0));
-    home().makeFileOfSize("Library/Mail/V10/inbox.mbox", 200'000);
-    showScreen();
-
-    clickOnScreen("analyzeButton");
-    ASSERT_TRUE(model().systemAnalyzing());
-    // At once: the busy label, and placeholders where nothing is measured yet.
-    EXPECT_EQ(text("analyzeButton"), "Analyzing…");
-    EXPECT_TRUE(visible("analyzeBusy"));
-    EXPECT_TRUE(visible("compositionBar"));
-    EXPECT_TRUE(visible("systemMeasuring_vm"));
-    EXPECT_FALSE(visible("systemSize_vm"));
-    ASSERT_TRUE(analysisEnds());
-
-    EXPECT_EQ(text("analyzeButton"), "Re-analyze");
-    EXPECT_FALSE(visible("analyzeBusy"));
-    EXPECT_FALSE(visible("systemMeasuring_vm"));
-    EXPECT_FALSE(visible("systemMessage"));
-    EXPECT_EQ(sizeText("mailmsg"), Format::byteCount(model().systemSizes()["mailmsg"].toLongLong()));
-    EXPECT_EQ(sizeText("vm"), "0 KB");
-    EXPECT_EQ(text("systemTotal"), Format::byteCount(model().systemMeasuredTotal()));
-    // Nothing purgeable: no line at all.
-    EXPECT_EQ(read("systemNote", "text").toString(), "");
-    // The bar holds only what measured above zero.
-    const QStringList order = read("compositionBar", "order").toStringList();
-    EXPECT_TRUE(order.contains("mailmsg") && !order.contains("vm") && !order.contains("tm"));
-    // No snapshots: "None", and nothing to delete.
-    EXPECT_EQ(sizeText("tm"), "None");
-    EXPECT_FALSE(actionEnabled("tm"));
 }
 
 TEST_F(SystemData, AnActionRunsOnlyAfterContinueAndOneAtATime) {
