@@ -139,22 +139,6 @@ TEST_F(CategoryTable, RowsShowLocationNoteBadgeAndIcon) {
     }
 }
 
-TEST_F(CategoryTable, CommonLocationShowsOnceUntilOneItemLiesElsewhere) {
-    home().makeFileOfSize("Library/Logs/second.log", 20'000);
-    for (const bool elsewhere : {false, true}) {
-        if (elsewhere)
-            home().makeFileOfSize("Library/Logs/DiagnosticReports/editor.crash", 10'000);
-        ASSERT_TRUE(scanToEnd());
-        ASSERT_NE(show(QStringLiteral("user.logs")), nullptr);
-        ASSERT_TRUE(UiHarness::waitFor([&] { return rows().size() == (elsewhere ? 3u : 2u); }));
-        EXPECT_EQ(visible("commonLocationLabel"), !elsewhere);
-        for (QQuickItem* each : rows())
-            EXPECT_EQ(part(each, "itemLocation")->isVisible(), elsewhere);
-    }
-    EXPECT_EQ(partText(row("editor.crash"), "itemLocation"), "~/Library/Logs/DiagnosticReports");
-    EXPECT_EQ(partText(row("second.log"), "itemLocation"), "~/Library/Logs");
-}
-
 TEST_F(CategoryTable, HighlightIsNotTheCheckSelectionAndTheMenuActsOnIt) {
     scanPackages();
     // Click, Ctrl-click: two rows highlighted, none checked.
@@ -194,16 +178,13 @@ TEST_F(CategoryTable, RevealAndCopyPathSkipWhatHasNoPlaceOnDisk) {
         ASSERT_TRUE(UiHarness::waitFor([&] { return !read("itemContextMenu", "visible").toBool(); }));
     };
 
-    // A command: no reveal entry; its path is its command text. A folder: both.
+    // A command: no reveal entry; its path is its command text. A folder is revealed.
     ASSERT_TRUE(openMenuOn(row(brew)));
     EXPECT_FALSE(menuEntryShown("menuShowInFileViewer"));
     trigger("menuCopyPath");
     EXPECT_EQ(QGuiApplication::clipboard()->text(), brewCommand);
     ASSERT_TRUE(openMenuOn(row(gradle)));
     EXPECT_TRUE(menuEntryShown("menuShowInFileViewer"));
-    trigger("menuCopyPath");
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), homePath(".gradle/caches"));
-    ASSERT_TRUE(openMenuOn(row(gradle)));
     trigger("menuShowInFileViewer");
     ASSERT_TRUE(UiHarness::waitFor([&] { return revealed.count() == 1; }));
     EXPECT_EQ(revealed.takeFirst().at(0).toString(), homePath(".gradle/caches"));
@@ -243,7 +224,7 @@ TEST_F(CategoryTable, RevealAndCopyPathSkipWhatHasNoPlaceOnDisk) {
     EXPECT_TRUE(model().selection().empty()) << "revealing checks nothing";
 }
 
-TEST_F(CategoryTable, AnotherCategoryClearsFilterAndHighlightButKeepsTheSort) {
+TEST_F(CategoryTable, AnotherCategoryClearsFilterAndHighlightKeepsTheSortAndShowsACommonLocationOnce) {
     home().makeFileOfSize("Library/Logs/second.log", 20'000);
     ASSERT_TRUE(scanToEnd());
     ASSERT_NE(show(QStringLiteral("user.caches")), nullptr);
@@ -254,14 +235,29 @@ TEST_F(CategoryTable, AnotherCategoryClearsFilterAndHighlightButKeepsTheSort) {
     click(row("com.example.editor"));
     ASSERT_EQ(highlighted(), QStringList{"com.example.editor"});
 
+    // Two logs in one folder: its location once above the table, none on the rows.
     ASSERT_NE(show(QStringLiteral("user.logs")), nullptr);
     EXPECT_EQ(read("filterField", "text").toString(), "");
     EXPECT_EQ(model().categoryTable()->sortKey(), CategoryItemsProxy::SortKey::name);
     EXPECT_TRUE(shows({"example.log", "second.log"}));
     EXPECT_TRUE(highlighted().isEmpty());
+    EXPECT_TRUE(visible("commonLocationLabel"));
+    for (QQuickItem* each : rows())
+        EXPECT_FALSE(part(each, "itemLocation")->isVisible());
 
     // And back: the first category's rows are all there, none highlighted.
     ASSERT_NE(show(QStringLiteral("user.caches")), nullptr);
     EXPECT_TRUE(shows({"com.example.editor", "org.example.player"}));
     EXPECT_TRUE(highlighted().isEmpty());
+
+    // One log elsewhere: every row its own location.
+    home().makeFileOfSize("Library/Logs/DiagnosticReports/editor.crash", 10'000);
+    ASSERT_TRUE(scanToEnd());
+    ASSERT_NE(show(QStringLiteral("user.logs")), nullptr);
+    ASSERT_TRUE(UiHarness::waitFor([&] { return rows().size() == 3u; }));
+    EXPECT_FALSE(visible("commonLocationLabel"));
+    EXPECT_EQ(partText(row("editor.crash"), "itemLocation"), "~/Library/Logs/DiagnosticReports");
+    EXPECT_EQ(partText(row("second.log"), "itemLocation"), "~/Library/Logs");
+    for (QQuickItem* each : rows())
+        EXPECT_TRUE(part(each, "itemLocation")->isVisible());
 }
