@@ -15,24 +15,19 @@ namespace {
 
 // A folder this process may not write into while it lives: read-only for an ordinary
 // user; for root, whom permissions do not stop, immutable, which refuses root as well.
-class UnwritableFolder {
-public:
-    explicit UnwritableFolder(std::string path) : path_(std::move(path)), applied_(set(true)) {}
+struct UnwritableFolder {
     ~UnwritableFolder() {
-        if (applied_)
+        if (applied)
             set(false);
     }
-    bool applied() const { return applied_; }
-
-private:
     bool set(bool on) const {
         if (::geteuid() != 0)
-            return ::chmod(path_.c_str(), on ? 0555 : 0755) == 0;
-        return setImmutable(path_, on);
+            return ::chmod(path.c_str(), on ? 0555 : 0755) == 0;
+        return setImmutable(path, on);
     }
 
-    std::string path_;
-    bool applied_;
+    const std::string path;
+    const bool applied = set(true);
 };
 
 } // namespace
@@ -89,7 +84,6 @@ TEST_F(Sheets, ConfirmListsEveryMethodCountsAdminCommandsTwiceAndNarrowsToAScope
     ASSERT_TRUE(closes());
     EXPECT_EQ(model().phase(), AppModel::Phase::ready);
     EXPECT_EQ(model().selectionCount(), 4);
-    EXPECT_TRUE(exists(cache));
 
     // Scoped to one category (whose lines the whole flow checks): its one item, no
     // warning for what lies outside it; Return cleans only that item.
@@ -106,8 +100,8 @@ TEST_F(Sheets, ConfirmListsEveryMethodCountsAdminCommandsTwiceAndNarrowsToAScope
 TEST_F(Sheets, WarningsNameLargeFilesReviewItemsAndItemsNeedingTheAdministrator) {
     model().setLargeThresholdGB(0.001);
     home().makeFileOfSize("Documents/footage.mov", 3'000'000);
-    UnwritableFolder logs(home().path("Library/Logs"));
-    ASSERT_TRUE(logs.applied()) << "could not make the folder unwritable";
+    const UnwritableFolder logs{home().path("Library/Logs")};
+    ASSERT_TRUE(logs.applied) << "could not make the folder unwritable";
     ASSERT_TRUE(scanToEnd());
     const std::string large = idOf("Documents/footage.mov");
     const std::string download = idOf("Downloads/installer.zip");

@@ -1,5 +1,5 @@
 // The clean result over real cleans of a fake home: the header, the Trash card, the
-// failures with the Full Disk Access note, and the sheet without a result. The purge
+// failures with the Full Disk Access note, and the sheet before any clean. The purge
 // itself is part of the whole session's flow.
 
 #include "WindowFixture.h"
@@ -29,7 +29,15 @@ protected:
     }
 };
 
-TEST_F(SheetsResult, ASuccessfulCleanCountsBothWaysAndOffersToDeleteOnlyWhatWentToTheTrash) {
+TEST_F(SheetsResult, ShowsOnlyItsButtonWithoutAResultAndAfterACleanCountsBothWaysAndOffersTheTrashedBytes) {
+    // Before any clean: nothing but the button.
+    model().setShowResult(true);
+    ASSERT_TRUE(UiHarness::waitFor([&] { return read("resultSheet", "opened").toBool(); }));
+    for (const char* part : {"resultHeader", "trashCard", "purgeMessage", "failureSection"})
+        EXPECT_FALSE(visible(part)) << part;
+    click(item("resultDone"));
+    EXPECT_TRUE(closes());
+
     ASSERT_TRUE(scanToEnd());
     const std::string cache = idOf("Library/Caches/com.example.editor");
     const std::string trashed = idOf(".Trash/old-report.pdf");
@@ -98,16 +106,6 @@ TEST_F(SheetsResult, FailuresShowTheTriangleTheListAndTheAccessNote) {
     ASSERT_TRUE(model().hasFullDiskAccess());
     EXPECT_FALSE(visible("fullDiskAccessNote"));
     EXPECT_TRUE(visible("failureSection"));
-    click(item("resultDone"));
-    EXPECT_TRUE(closes());
-}
-
-TEST_F(SheetsResult, WithoutAResultOnlyTheButtonShows) {
-    ASSERT_FALSE(model().hasLastResult());
-    model().setShowResult(true);
-    ASSERT_TRUE(UiHarness::waitFor([&] { return read("resultSheet", "opened").toBool(); }));
-    for (const char* part : {"resultHeader", "trashCard", "purgeMessage", "failureSection"})
-        EXPECT_FALSE(visible(part)) << part;
     click(item("resultDone"));
     EXPECT_TRUE(closes());
 }
