@@ -4,9 +4,6 @@
 #include "CategoryDetailFixture.h"
 #include "ui/Format.h"
 
-#include <QDir>
-#include <QTemporaryDir>
-
 #include <vector>
 
 namespace {
@@ -154,11 +151,9 @@ TEST_F(CategoryDetail, LargeFilesShowOnlyTheirOptionsWhenEmpty) {
     EXPECT_EQ(picker->property("displayText").toString(), "500 MB");
 
     // Search locations: home always, plus each added folder, each removable.
-    QTemporaryDir drive;
-    const QString folder = drive.path() + "/Media Drive";
-    ASSERT_TRUE(QDir().mkpath(folder));
+    const std::string folder = home().makeDir("Media Drive");
     model().setFolderChooser(
-        [&](std::function<void(std::vector<std::string>)> onChosen) { onChosen({folder.toStdString()}); });
+        [&](std::function<void(std::vector<std::string>)> onChosen) { onChosen({folder}); });
     EXPECT_EQ(text("searchLocationsButton"), "Search Locations (1)");
     click(item("searchLocationsButton"));
     ASSERT_TRUE(UiHarness::waitFor([&] { return read("searchLocationsMenu", "opened").toBool(); }));

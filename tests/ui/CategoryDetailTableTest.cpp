@@ -151,7 +151,6 @@ TEST_F(CategoryTable, HighlightIsNotTheCheckSelectionAndTheMenuActsOnIt) {
     ASSERT_TRUE(openMenuOn(row(npmLogs)));
     trigger("menuCheckItems");
     EXPECT_EQ(checked(), QStringList({npmLogs, npmCache}));
-    EXPECT_EQ(model().selectedCount("dev.packages"), 2);
 
     // On another row it acts on that row only, and leaves the highlight alone.
     ASSERT_TRUE(openMenuOn(row(gradle)));
