@@ -4,7 +4,6 @@
 
 #include "WindowFixture.h"
 
-#include "support/PathQueries.h"
 #include "support/SandboxRoot.h"
 #include "ui/Format.h"
 
