@@ -117,9 +117,8 @@ TEST(SystemDataPerform, SnapshotsAreSnappersWithARootConfigurationElseTimeshifts
     const std::string count =
         SystemDataAnalyzer::measuredEntries(SystemDataAreas::entries()).front().countCommand;
     const std::string deletion = LinuxCommands::find(area("tm").action->shell)->steps.front().shell;
+    // Snapper's count is the scanner's snapshot probe, tested there.
     installNoting(log, "snapper", snapperWithSnapshots(2));
-    EXPECT_EQ(Text::trimmed(Shell::run(count, 10).standardOutput), "2");
-    takeLog(log);
     EXPECT_EQ(Shell::run(deletion, 10).status, 0);
     EXPECT_EQ(takeLog(log), "snapper -c root list\nsnapper -c root --csvout list --columns number\n"
                             "snapper -c root delete 1\nsnapper -c root delete 2\n");
