@@ -40,9 +40,9 @@ TEST(SystemDataAnalysis, MeasuresFoldersForRealWithoutCountingANestedRowTwice) {
                                                measured("deep", {plain + "/deep"}),
                                                measured("home", {"~/Library/Mail"})};
 
+    // Each line reaching the caller as it comes is the stand-in test's below.
     ScopedAuthorizationTool tool(realScriptRunner());
-    Calls calls;
-    const SystemDataAnalyzer::Analysis analysis = SystemDataAnalyzer::analyze(entries, recordingInto(calls));
+    const SystemDataAnalyzer::Analysis analysis = SystemDataAnalyzer::analyze(entries, {});
 
     ASSERT_FALSE(analysis.message.has_value()) << *analysis.message;
     ASSERT_TRUE(analysis.report.has_value());
@@ -54,11 +54,6 @@ TEST(SystemDataAnalysis, MeasuresFoldersForRealWithoutCountingANestedRowTwice) {
     EXPECT_EQ(analysis.report->sizes, expected);
     EXPECT_EQ(analysis.report->snapshotCount, 0);
     EXPECT_EQ(analysis.report->purgeable, 0);
-
-    Sizes delivered(calls.begin(), calls.end());
-    EXPECT_EQ(calls.size(), 4u);
-    EXPECT_EQ(delivered.erase("tm"), 1u);
-    EXPECT_EQ(delivered, expected);
 }
 
 // What the helper's answer becomes. The logs have their own row though they lie in the
