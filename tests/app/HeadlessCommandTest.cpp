@@ -21,10 +21,6 @@ std::set<QString> keysOf(const QJsonObject& object) {
     return {keys.begin(), keys.end()};
 }
 
-int lineCount(const std::string& text) {
-    return static_cast<int>(std::count(text.begin(), text.end(), '\n'));
-}
-
 // A home with something for several recommended categories, one that is not
 // recommended, and files the scan must leave alone.
 struct Fixture {
@@ -116,7 +112,7 @@ TEST(HeadlessArguments, BadArgumentsFailWithOneLineNamingThemAndChangeNothing) {
         const BinaryRun run = BinaryRun::of(arguments);
         const std::string shown = arguments[0] + " " + arguments[1];
         EXPECT_EQ(run.status, 2) << shown << "\n" << run.err;
-        EXPECT_EQ(lineCount(run.err), 1) << shown << "\n" << run.err;
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << shown << "\n" << run.err;
         EXPECT_NE(run.err.find(named), std::string::npos) << shown << "\n" << run.err;
         EXPECT_EQ(run.out, "") << shown;
     }

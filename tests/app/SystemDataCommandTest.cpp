@@ -38,7 +38,6 @@ TEST(SystemDataCommand, ReportsWhatDuMeasuresAsJsonAndAsATable) {
         return paths;
     };
 
-    EXPECT_EQ(report["purgeable"].toInteger(), 0);
     for (const std::string id : {"mailmsg", "simruntimes", "containers"})
         EXPECT_EQ(sizeOf(id), duKibibytes(folders(id)) * 1024) << id;
     EXPECT_GE(sizeOf("mailmsg"), 340'000);

@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <tuple>
-#include <variant>
 #include <vector>
 
 namespace {
@@ -71,14 +70,6 @@ TEST(CleanupRules, CategoriesHoldEveryRuleOnceInGroupOrderAndNoneToReviewIsRecom
                 << previous.id << " before " << category.id;
         }
     }
-}
-
-TEST(CleanupRules, UserCachesLeaveOutTheApplicationsOwnFolders) {
-    catalogueHome();
-    const Rule& caches = CleanupRules::rules()[tablePosition("user.caches")];
-    const auto& children = std::get<Source::Children>(caches.sources.at(0).value);
-    for (const char* own : {CleanupRules::bundleIdentifier, CleanupRules::earlierBundleIdentifier})
-        EXPECT_TRUE(children.exclude.contains(own)) << own;
 }
 
 TEST(CleanupRules, AHomeOfTheRootFolderProtectsItsFoldersThere) {
