@@ -1,7 +1,7 @@
 // The rule table's contents are its own documentation; where each rule's paths land is
 // checked by scanning real trees (the scanner and Linux desktop suites). Here: the
-// order that decides which rule claims a path, the display order built from it and what
-// the user caches must leave out.
+// order that decides which rule claims a path, the display order built from it and the
+// folders a home of "/" protects.
 
 #include "catalogue/CleanupRules.h"
 
