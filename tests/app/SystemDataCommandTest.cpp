@@ -5,7 +5,6 @@
 #include "support/FakeHome.h"
 
 #include "catalogue/LinuxCommands.h"
-#include "platform/ShellQuote.h"
 #include "removal/Shell.h"
 #include "support/PathQueries.h"
 
@@ -39,7 +38,6 @@ TEST(SystemDataCommand, ReportsWhatDuMeasuresAsJsonAndAsATable) {
         return paths;
     };
 
-    EXPECT_EQ(report["purgeable"].toInteger(), 0);
     for (const std::string id : {"mailmsg", "simruntimes", "containers"})
         EXPECT_EQ(sizeOf(id), duKibibytes(folders(id)) * 1024) << id;
     EXPECT_GE(sizeOf("mailmsg"), 340'000);
@@ -60,13 +58,12 @@ TEST(SystemDataCommand, RunsAnActionOrRefusesOneThatCannotRun) {
     auto installed = [](const char* tool) { return LinuxCommands::isInstalled(tool, Shell::path()); };
     if (installed("updatedb") || installed("flatpak"))
         GTEST_SKIP() << "this machine has updatedb or flatpak, which would run for real";
-    const std::string log = home.path("calls.log");
-    for (const std::string tool : {"tracker3", "balooctl"})
-        home.installTool(tool, "echo " + tool + " \"$@\" >> " + shellQuote(log));
+    // What each step runs is the System Data perform test's; here the command's answer.
+    for (const char* tool : {"tracker3", "balooctl"})
+        home.installTool(tool, "exit 0");
 
     const BinaryRun indexes = BinaryRun::of({"system-data", "--run", "spotlight", "--yes"});
     EXPECT_EQ(indexes.status, 0) << indexes.err;
-    EXPECT_EQ(readFile(log), "tracker3 reset --filesystem\nbalooctl purge\n");
     EXPECT_EQ(indexes.out.rfind("Rebuild Indexes completed — ", 0), 0u) << indexes.out;
 
     const BinaryRun runtimes = BinaryRun::of({"system-data", "--run", "simruntimes", "--yes"});

@@ -1,5 +1,4 @@
 #include "catalogue/CategoryGroup.h"
-#include "catalogue/CleanCategory.h"
 #include "catalogue/RemovalMethod.h"
 #include "catalogue/Risk.h"
 #include "catalogue/ScanItem.h"
@@ -9,8 +8,6 @@
 #include "support/TranslatorScope.h"
 
 #include <gtest/gtest.h>
-
-#include <unordered_set>
 
 namespace {
 
@@ -41,33 +38,6 @@ TEST(CategoryGroup, TitlesAndRiskLabelsAreLocalised) {
     TranslatorScope translator([](std::string_view key) { return "[" + std::string(key) + "]"; });
     EXPECT_EQ(CategoryGroups::title(CategoryGroup::system), "[System \u00B7 admin]");
     EXPECT_EQ(Risks::label(Risk::caution), "[Caution]");
-    EXPECT_EQ(Risks::name(Risk::caution), "caution");
-    // Sorting by risk puts the safest first.
-    EXPECT_TRUE(Risk::safe < Risk::caution && Risk::caution < Risk::review);
-}
-
-TEST(CleanCategory, SameIdIsTheSameCategory) {
-    const CleanCategory a{"user.caches",   CategoryGroup::user, "User Caches", "one",
-                          "internaldrive", Risk::safe,          true};
-    const CleanCategory b{"user.caches", CategoryGroup::system, "Other title", "two",
-                          "cpu",         Risk::review,          false};
-    const CleanCategory c{"user.logs",     CategoryGroup::user, "User Caches", "one",
-                          "internaldrive", Risk::safe,          true};
-    EXPECT_EQ(a, b);
-    EXPECT_EQ(std::hash<CleanCategory>{}(a), std::hash<CleanCategory>{}(b));
-    EXPECT_NE(a, c);
-    const std::unordered_set<CleanCategory> set{a, b, c};
-    EXPECT_EQ(set.size(), 2u);
-}
-
-// Items are compared field by field; the hash must agree, so that a rescan that
-// measured differently is a different item in a set.
-TEST(ScanItem, EqualItemsHashAlikeAndASizeChangeMakesAnotherItem) {
-    const ScanItem base = pathItem("/data/cache/blob");
-    ScanItem resized = base;
-    resized.size = 8192;
-    EXPECT_EQ(std::hash<ScanItem>{}(base), std::hash<ScanItem>{}(ScanItem(base)));
-    EXPECT_EQ((std::unordered_set<ScanItem>{base, resized, base}.size()), 2u);
 }
 
 TEST(ScanItem, LocationShowsCommandTextOrParentFolderWithHomeAbbreviated) {

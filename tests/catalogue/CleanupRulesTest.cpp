@@ -1,7 +1,7 @@
 // The rule table's contents are its own documentation; where each rule's paths land is
 // checked by scanning real trees (the scanner and Linux desktop suites). Here: the
-// order that decides which rule claims a path, the display order built from it and what
-// the user caches must leave out.
+// order that decides which rule claims a path, the display order built from it and the
+// folders a home of "/" protects.
 
 #include "catalogue/CleanupRules.h"
 
@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <tuple>
-#include <variant>
 #include <vector>
 
 namespace {
@@ -71,14 +70,6 @@ TEST(CleanupRules, CategoriesHoldEveryRuleOnceInGroupOrderAndNoneToReviewIsRecom
                 << previous.id << " before " << category.id;
         }
     }
-}
-
-TEST(CleanupRules, UserCachesLeaveOutTheApplicationsOwnFolders) {
-    catalogueHome();
-    const Rule& caches = CleanupRules::rules()[tablePosition("user.caches")];
-    const auto& children = std::get<Source::Children>(caches.sources.at(0).value);
-    for (const char* own : {CleanupRules::bundleIdentifier, CleanupRules::earlierBundleIdentifier})
-        EXPECT_TRUE(children.exclude.contains(own)) << own;
 }
 
 TEST(CleanupRules, AHomeOfTheRootFolderProtectsItsFoldersThere) {

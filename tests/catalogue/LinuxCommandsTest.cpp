@@ -31,5 +31,4 @@ TEST(LinuxCommands, ToolsAreFoundOnlyAsExecutableFilesOnTheSearchPath) {
     EXPECT_EQ(LinuxCommands::unavailableReason({{{"b", false, {"plain"}}}, {}}, bin),
               "plain is not installed");
     EXPECT_EQ(LinuxCommands::unavailableReason({{}, "Nothing here"}, path), "Nothing here");
-    EXPECT_EQ(LinuxCommands::find("brew cleanup -s --prune=all"), nullptr);
 }

@@ -24,9 +24,7 @@ TEST(DiskInfo, ReadsTheHomeFolderVolume) {
     ASSERT_TRUE(std::getline(df, header) && df >> dfSize >> dfAvailable);
     const DiskInfo after = DiskInfo::current();
 
-    EXPECT_GT(before.available, 0);
     EXPECT_EQ(before.total, dfSize);
-    EXPECT_EQ(after.total, dfSize);
     // Others write to the same disk meanwhile: df's figure must lie between the two
     // readings, give or take a little.
     constexpr int64_t kSlack = 64 << 20;

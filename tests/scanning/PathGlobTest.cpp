@@ -57,9 +57,7 @@ TEST(PathGlob, ExpandsHomeFoldersWhateverTheSlashes) {
     // Another user's home folder, by name.
     const passwd* root = ::getpwuid(0);
     ASSERT_NE(root, nullptr);
-    std::string rootHome = root->pw_dir;
-    while (rootHome.size() > 1 && rootHome.back() == '/')
-        rootHome.pop_back();
+    const std::string rootHome = root->pw_dir;
     const Paths expected = exists(rootHome) && rootHome != "/" ? Paths{rootHome} : Paths{};
     EXPECT_EQ(PathGlob::expand("~" + std::string(root->pw_name)), expected);
     EXPECT_EQ(PathGlob::expand("~" + std::string(root->pw_name) + "/"), expected);

@@ -2,7 +2,6 @@
 
 #include "SystemDataTesting.h"
 #include "removal/Shell.h"
-#include "systemdata/SystemDataAreas.h"
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -40,9 +39,9 @@ TEST(SystemDataAnalysis, MeasuresFoldersForRealWithoutCountingANestedRowTwice) {
                                                measured("deep", {plain + "/deep"}),
                                                measured("home", {"~/Library/Mail"})};
 
+    // Each line reaching the caller as it comes is the stand-in test's below.
     ScopedAuthorizationTool tool(realScriptRunner());
-    Calls calls;
-    const SystemDataAnalyzer::Analysis analysis = SystemDataAnalyzer::analyze(entries, recordingInto(calls));
+    const SystemDataAnalyzer::Analysis analysis = SystemDataAnalyzer::analyze(entries, {});
 
     ASSERT_FALSE(analysis.message.has_value()) << *analysis.message;
     ASSERT_TRUE(analysis.report.has_value());
@@ -54,11 +53,6 @@ TEST(SystemDataAnalysis, MeasuresFoldersForRealWithoutCountingANestedRowTwice) {
     EXPECT_EQ(analysis.report->sizes, expected);
     EXPECT_EQ(analysis.report->snapshotCount, 0);
     EXPECT_EQ(analysis.report->purgeable, 0);
-
-    Sizes delivered(calls.begin(), calls.end());
-    EXPECT_EQ(calls.size(), 4u);
-    EXPECT_EQ(delivered.erase("tm"), 1u);
-    EXPECT_EQ(delivered, expected);
 }
 
 // What the helper's answer becomes. The logs have their own row though they lie in the
@@ -109,8 +103,6 @@ TEST(SystemDataAnalysis, DeliversEachEntryAsItIsMeasuredAndEachIdOnce) {
 
     ASSERT_TRUE(asked.has_value());
     EXPECT_EQ(asked->mode, WorkList::measureMode);
-    EXPECT_EQ(asked->workList,
-              WorkList::encode(SystemDataAnalyzer::measuredEntries(SystemDataAreas::entries())));
     EXPECT_EQ(asked->prompt, "Veltro needs administrator privileges to measure System Data.");
     EXPECT_EQ(asked->timeout, 900);
     EXPECT_EQ(calls, (Calls{{"vm", 2'097'152}, {"tm", 3}}));
