@@ -28,22 +28,18 @@ class CleanerTest : public CleanerHomeTest {};
 
 TEST_F(CleanerTest, SafetyCheckRefusesProtectedShallowAndMalformedPaths) {
     // The root counts as one component: /a/b has three and is refused, /a/b/c is allowed.
-    for (const char* path :
-         {"/", "/usr", "/Library/Caches", "/private/var/log", "/a/b", "/a/b/", "/a//b", "/a/b/c/..",
-          "/a/b/c/d/../../../../..", "a/b/c/d", "", ".", "/tmp", "/var/tmp/."})
+    for (const char* path : {"/", "/usr", "/Library/Caches", "/private/var/log", "/a/b", "/a/b/", "/a//b",
+                             "/a/b/c/..", "/a/b/c/d/../../../../..", "a/b/c/d", "", ".", "/tmp", "/var/tmp/.",
+                             "~", "~/Documents", "~/Library/Caches/"})
         EXPECT_TRUE(Cleaner::isRefusedPath(path)) << path;
-    EXPECT_TRUE(Cleaner::isRefusedPath(std::string("/a/b/c/d\0/e", 11)));
+    for (const std::string& path :
+         {std::string("/a/b/c/d\0/e", 11), home.home() + "/Library/Caches/../../Documents",
+          home.home() + "/./.Trash"})
+        EXPECT_TRUE(Cleaner::isRefusedPath(path)) << path;
     // Entries directly in the shared temporary folders are shallow but allowed.
-    for (const char* path :
-         {"/a/b/c", "/usr/local/share", "/a/b/c/d/../e", "/Library/Caches/com.x", "/tmp/x", "/var/tmp/old"})
+    for (const char* path : {"/a/b/c", "/usr/local/share", "/a/b/c/d/../e", "/Library/Caches/com.x", "/tmp/x",
+                             "/var/tmp/old", "~/Library/Caches/app"})
         EXPECT_FALSE(Cleaner::isRefusedPath(path)) << path;
-
-    EXPECT_TRUE(Cleaner::isRefusedPath("~"));
-    EXPECT_TRUE(Cleaner::isRefusedPath("~/Documents"));
-    EXPECT_TRUE(Cleaner::isRefusedPath("~/Library/Caches/"));
-    EXPECT_TRUE(Cleaner::isRefusedPath(home.home() + "/Library/Caches/../../Documents"));
-    EXPECT_TRUE(Cleaner::isRefusedPath(home.home() + "/./.Trash"));
-    EXPECT_FALSE(Cleaner::isRefusedPath("~/Library/Caches/app"));
     // The same protected folder reached through a link in the parent chain.
     ASSERT_EQ(::symlink(home.home().c_str(), (area + "/to-home").c_str()), 0);
     EXPECT_TRUE(Cleaner::isRefusedPath(area + "/to-home/Documents"));
