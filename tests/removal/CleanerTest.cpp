@@ -133,7 +133,6 @@ TEST_F(CleanerTest, CommandsReportTheirTrimmedErrorOrExitStatus) {
     const CleanResult result = Cleaner::clean({
         commandItem("cmd.ok", "touch " + shellQuote(marker), false),
         commandItem("cmd.exit", "exit 2", false),
-        commandItem("cmd.long", "printf '%1000s' '' | tr ' ' x >&2; exit 1", false),
         commandItem("cmd.trim", "printf '\\n\\t boom  \\r\\n' >&2; exit 5", false),
         commandItem("cmd.utf8", multibyte, false),
     });
@@ -142,11 +141,10 @@ TEST_F(CleanerTest, CommandsReportTheirTrimmedErrorOrExitStatus) {
     EXPECT_TRUE(exists(marker));
     EXPECT_EQ(result.movedToTrashBytes, 0);
     EXPECT_EQ(result.deletedBytes, 0);
-    ASSERT_EQ(result.failures.size(), 4u);
+    ASSERT_EQ(result.failures.size(), 3u);
     EXPECT_EQ(result.failures[0].reason, "exit 2");
-    EXPECT_EQ(result.failures[1].reason, std::string(300, 'x'));
-    EXPECT_EQ(result.failures[2].reason, "boom");
-    EXPECT_EQ(result.failures[3].reason, std::string(299, 'a') + "\xC3\xA9");
+    EXPECT_EQ(result.failures[1].reason, "boom");
+    EXPECT_EQ(result.failures[2].reason, std::string(299, 'a') + "\xC3\xA9");
 }
 
 TEST_F(CleanerTest, ProgressNamesItemsThenThePasswordWaitThenDoneEvenForAnEmptyList) {
