@@ -102,13 +102,12 @@ TEST(Trash, SameNamesAreNumberedAndNothingInTheTrashIsReplaced) {
     home.tree().makeSymlink("home/.local/share/Trash/files/cache", "/nowhere");
     home.makeFile(".local/share/Trash/info/cache 1.trashinfo", "an info file without its item");
     home.makeFile("Library/Caches/cache", "new");
-    for (const char* folder : {"a", "b", "c"})
-        home.makeFile(std::string(folder) + "/report.txt", folder);
     const TreeSnapshot trashBefore = snapshotTree(home.trash());
 
     std::vector<std::string> locations;
     for (const char* folder : {"a", "b", "c"}) {
-        const Trash::MoveResult moved = Trash::moveToTrash(home.path(std::string(folder) + "/report.txt"));
+        const Trash::MoveResult moved =
+            Trash::moveToTrash(home.makeFile(std::string(folder) + "/report.txt", folder));
         ASSERT_EQ(moved.error, 0) << folder;
         locations.push_back(moved.location);
     }

@@ -164,12 +164,8 @@ TEST_F(CleanerHostileTest, ItemSwappedForALinkLosesOnlyTheLink) {
     home.tree().makeFile("victim/precious", "precious");
     home.tree().makeFile("victim/sub/deeper", "deeper");
     std::vector<std::string> items;
-    for (const char* name : {"by-trash", "by-delete", "by-admin-move", "by-admin-delete"}) {
-        const std::string path = areaFile(std::string(name) + "/cache", "c");
-        removeTreeForcefully(Paths::parentFolder(path));
-        home.tree().makeSymlink(area + "/" + name, victim);
-        items.push_back(Paths::parentFolder(path));
-    }
+    for (const char* name : {"by-trash", "by-delete", "by-admin-move", "by-admin-delete"})
+        items.push_back(home.tree().makeSymlink(area + "/" + name, victim));
     const auto before = snapshotOutside(items);
 
     AuthorizationToolRecorder recorder{realScriptRunner()};
@@ -192,10 +188,7 @@ TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
     for (const char* name : {"p-trash", "p-delete", "p-admin-move", "p-admin-delete"}) {
         const std::string victim = home.tree().makeDir("victim-" + std::to_string(n++));
         home.tree().makeFile(victim + "/item/precious", "precious");
-        const std::string item = areaFile(std::string(name) + "/item/cache", "c");
-        removeTreeForcefully(area + "/" + name);
-        home.tree().makeSymlink(area + "/" + name, victim);
-        items.push_back(Paths::parentFolder(item));
+        items.push_back(home.tree().makeSymlink(area + "/" + name, victim) + "/item");
     }
     const auto before = snapshotOutside({});
 
