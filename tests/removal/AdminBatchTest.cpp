@@ -91,7 +91,6 @@ TEST(AdminBatchScriptText, AnswersSplitAtEveryKindOfLineBreak) {
                                                   {"i7", false}};
     EXPECT_EQ(AdminBatchScript::parseAnswers(output), expected);
     EXPECT_TRUE(AdminBatchScript::parseAnswers("").empty());
-    EXPECT_TRUE(AdminBatchScript::parseAnswers("\r\n\r\n").empty());
 }
 
 // The real helper: a deletion and commands leave no dated folder behind and a failing
