@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(ByteCount, FileStyleUsesDecimalUnitsAndDropsTrailingZeros) {
+TEST(ByteCount, FileStyleUsesDecimalUnitsDropsTrailingZerosAndRoundsUpIntoTheNextUnit) {
     EXPECT_EQ(formatFileSize(1), "1 byte");
     EXPECT_EQ(formatFileSize(2), "2 bytes");
     EXPECT_EQ(formatFileSize(1000), "1 KB");
@@ -15,10 +15,7 @@ TEST(ByteCount, FileStyleUsesDecimalUnitsAndDropsTrailingZeros) {
     EXPECT_EQ(formatFileSize(8'590'000'000), "8.59 GB");
     EXPECT_EQ(formatFileSize(1'234'567'890'123), "1.23 TB");
     EXPECT_EQ(formatFileSize(3'000'000'000'000'000), "3 PB");
-}
-
-// A value that rounds up to 1000 of one unit is shown as 1 of the next.
-TEST(ByteCount, RoundingUpMovesToTheNextUnit) {
+    // A value that rounds up to 1000 of one unit is shown as 1 of the next.
     EXPECT_EQ(formatFileSize(999'999), "1 MB");
     EXPECT_EQ(formatFileSize(999'499), "999 KB");
     EXPECT_EQ(formatFileSize(999'960'000), "1 GB");

@@ -61,13 +61,6 @@ TEST(Paths, StandardizedPathIsLexical) {
     EXPECT_EQ(Paths::standardizedPath("a/../../b"), "../b");
 }
 
-TEST(Paths, ComponentCountCountsTheRootAsOne) {
-    EXPECT_EQ(Paths::componentCount("/"), 1u);
-    EXPECT_EQ(Paths::componentCount("/Users"), 2u);
-    EXPECT_EQ(Paths::componentCount("/Users/someone/"), 3u);
-    EXPECT_EQ(Paths::componentCount("/Users//someone/Library"), 4u);
-}
-
 TEST(Paths, CanonicalPathResolvesTheParentButNeverTheItemItself) {
     TempTree tree;
     tree.makeDir("real/inner");

@@ -27,15 +27,11 @@ std::string echoedByShell(const std::string& value) {
 
 } // namespace
 
-TEST(ShellQuote, WrapsInSingleQuotesAndEscapesQuotes) {
-    EXPECT_EQ(shellQuote(""), "''");
-    EXPECT_EQ(shellQuote("plain"), "'plain'");
-    EXPECT_EQ(shellQuote("it's"), "'it'\\''s'");
-    EXPECT_EQ(shellQuote("''"), "''\\'''\\'''");
-    EXPECT_EQ(shellQuote("$HOME `id` \"x\" \\n"), "'$HOME `id` \"x\" \\n'");
-}
-
+// The quoted forms themselves are pinned by the administrator batch's exact text.
 TEST(ShellQuote, TheShellReadsBackExactlyTheValue) {
+    // An empty value must stay an argument of its own, though the shell reads back
+    // nothing either way.
+    EXPECT_EQ(shellQuote(""), "''");
     for (const std::string& value :
          {std::string("plain"), std::string("it's"), std::string("'"), std::string("a b\tc\nd"),
           std::string("$(echo injected) `id` ${HOME} *.txt ~ ; | & > <"), std::string("-rf --"),

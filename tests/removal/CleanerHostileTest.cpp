@@ -133,10 +133,6 @@ TEST_F(CleanerHostileTest, HostileNamesAreTrashedDeletedAndBatchedExactly) {
     EXPECT_TRUE(batched.failures.empty()) << ::testing::PrintToString(reasonsOf(batched));
     EXPECT_EQ(cleaned.succeeded.size(), items.size());
     EXPECT_EQ(batched.succeeded.size(), work.size());
-    std::multiset<std::string> trashed;
-    for (const std::string& location : cleaned.trashedURLs)
-        trashed.insert(readFile(location + "/content"));
-    EXPECT_EQ(trashed, allNames());
     ASSERT_EQ(batched.trashedURLs.size(), 1u);
     EXPECT_EQ(contentsIn(batched.trashedURLs[0]), allNames());
     EXPECT_EQ(batched.movedToTrashBytes, static_cast<int64_t>(groups[2].size()));
@@ -164,12 +160,8 @@ TEST_F(CleanerHostileTest, ItemSwappedForALinkLosesOnlyTheLink) {
     home.tree().makeFile("victim/precious", "precious");
     home.tree().makeFile("victim/sub/deeper", "deeper");
     std::vector<std::string> items;
-    for (const char* name : {"by-trash", "by-delete", "by-admin-move", "by-admin-delete"}) {
-        const std::string path = areaFile(std::string(name) + "/cache", "c");
-        removeTreeForcefully(Paths::parentFolder(path));
-        home.tree().makeSymlink(area + "/" + name, victim);
-        items.push_back(Paths::parentFolder(path));
-    }
+    for (const char* name : {"by-trash", "by-delete", "by-admin-move", "by-admin-delete"})
+        items.push_back(home.tree().makeSymlink(area + "/" + name, victim));
     const auto before = snapshotOutside(items);
 
     AuthorizationToolRecorder recorder{realScriptRunner()};
@@ -182,7 +174,6 @@ TEST_F(CleanerHostileTest, ItemSwappedForALinkLosesOnlyTheLink) {
     ASSERT_EQ(result.trashedURLs.size(), 2u);
     EXPECT_EQ(statOf(result.trashedURLs[0]).st_mode & S_IFMT, S_IFLNK);
     EXPECT_EQ(statOf(result.trashedURLs[1] + "/by-admin-move").st_mode & S_IFMT, S_IFLNK);
-    EXPECT_EQ(readFile(victim + "/precious"), "precious");
     EXPECT_EQ(describeDifferences(before, snapshotOutside(items)), "");
 }
 
@@ -192,10 +183,7 @@ TEST_F(CleanerHostileTest, ParentSwappedForALinkFailsTheItem) {
     for (const char* name : {"p-trash", "p-delete", "p-admin-move", "p-admin-delete"}) {
         const std::string victim = home.tree().makeDir("victim-" + std::to_string(n++));
         home.tree().makeFile(victim + "/item/precious", "precious");
-        const std::string item = areaFile(std::string(name) + "/item/cache", "c");
-        removeTreeForcefully(area + "/" + name);
-        home.tree().makeSymlink(area + "/" + name, victim);
-        items.push_back(Paths::parentFolder(item));
+        items.push_back(home.tree().makeSymlink(area + "/" + name, victim) + "/item");
     }
     const auto before = snapshotOutside({});
 

@@ -21,7 +21,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <functional>
 #include <map>

@@ -48,8 +48,6 @@ TEST_F(PrivilegedTest, ScriptRunsThroughTheHelperAndLeavesNothingBehind) {
 
     EXPECT_EQ(result, (Shell::Output{4, std::to_string(::geteuid()) + "\n/bin/sh\n", "oops\n"}));
     ASSERT_EQ(recorder.calls().size(), 1u);
-    EXPECT_EQ(recorder.calls()[0].mode, "run");
-    EXPECT_EQ(recorder.calls()[0].script, script);
     EXPECT_EQ(recorder.calls()[0].prompt, "Say 'hello'");
     EXPECT_EQ(recorder.calls()[0].timeout, 42.5);
     EXPECT_TRUE(entriesOf(home.tmp()).empty());

@@ -46,7 +46,6 @@ pid_t parsePid(const std::string& text) {
 } // namespace
 
 TEST(Shell, ReportsExitStatusAndBothStreamsAsUtf8) {
-    EXPECT_EQ(Shell::run("true", 10), (Shell::Output{0, "", ""}));
     EXPECT_EQ(Shell::run("exit 3", 10), (Shell::Output{3, "", ""}));
     // Standard input is the null device: `cat` ends at once.
     const auto start = Clock::now();

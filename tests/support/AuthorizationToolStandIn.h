@@ -63,7 +63,6 @@ inline std::string scriptOf(const Privileged::Request& request) {
 }
 
 struct ToolCall {
-    std::string mode;
     std::string script; // scriptOf the request
     std::string prompt;
     double timeout = 0;
@@ -76,7 +75,7 @@ public:
     explicit AuthorizationToolRecorder(Privileged::AuthorizationTool tool)
         : scope_([calls = calls_, tool = std::move(tool)](const Privileged::Launch& launch) {
               const Privileged::Request& request = launch.request;
-              calls->push_back({request.mode, scriptOf(request), request.prompt, request.timeout});
+              calls->push_back({scriptOf(request), request.prompt, request.timeout});
               return tool ? tool(launch) : Privileged::runWithPlatformTool(launch);
           }) {}
 

@@ -19,6 +19,7 @@ const std::vector<std::string>& hostileNames() {
         "*",
         "~",
         "name 1",
+        "100% sure",
         "bad \xff\xfe utf8 \xc3",
         "caf\xc3\xa9 \xe2\x80\x94 \xf0\x9f\x98\x80",
         std::string(255, 'L'),
