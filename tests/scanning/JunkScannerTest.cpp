@@ -2,6 +2,7 @@
 
 #include "catalogue/CleanupRules.h"
 #include "catalogue/LinuxCommands.h"
+#include "platform/Date.h"
 #include "platform/Environment.h"
 #include "removal/Shell.h"
 #include "support/FakeHome.h"
@@ -120,8 +121,12 @@ TEST(JunkScanner, AgeCutoffKeepsTheCutoffItselfAndDropsNewerEntries) {
     // The scan takes its own "now" a moment later than this one, which moves its
     // cutoff later too: the entry dated exactly at this cutoff is at or before the
     // scan's cutoff, and the one a second newer is after it as long as the scan
-    // reaches the rule within the same second.
-    const int64_t now = std::time(nullptr);
+    // reaches the rule within the same second. Both readings come from the scan's own
+    // clock: time() reads a coarser one that can still show the previous second.
+    const auto secondsNow = [] {
+        return std::chrono::floor<std::chrono::seconds>(Dates::now()).time_since_epoch().count();
+    };
+    const int64_t now = secondsNow();
     const int64_t cutoff = now - 90 * day;
     setModificationTime(atCutoff, cutoff);
     setModificationTime(secondNewer, cutoff + 1);
@@ -129,7 +134,7 @@ TEST(JunkScanner, AgeCutoffKeepsTheCutoffItselfAndDropsNewerEntries) {
     setModificationTime(ancient, cutoff - 400 * day);
 
     const RecordedScan scan = recordScan(quietOptions());
-    const bool sameSecond = std::time(nullptr) == now;
+    const bool sameSecond = secondsNow() == now;
 
     EXPECT_EQ(categoryOf(scan, atCutoff), "user.downloads");
     EXPECT_EQ(categoryOf(scan, ancient), "user.downloads");
