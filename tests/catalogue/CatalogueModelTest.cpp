@@ -1,4 +1,5 @@
 #include "catalogue/CategoryGroup.h"
+#include "catalogue/CleanCategory.h"
 #include "catalogue/RemovalMethod.h"
 #include "catalogue/Risk.h"
 #include "catalogue/ScanItem.h"
@@ -8,6 +9,8 @@
 #include "support/TranslatorScope.h"
 
 #include <gtest/gtest.h>
+
+#include <unordered_set>
 
 namespace {
 
@@ -38,6 +41,22 @@ TEST(CategoryGroup, TitlesAndRiskLabelsAreLocalised) {
     TranslatorScope translator([](std::string_view key) { return "[" + std::string(key) + "]"; });
     EXPECT_EQ(CategoryGroups::title(CategoryGroup::system), "[System \u00B7 admin]");
     EXPECT_EQ(Risks::label(Risk::caution), "[Caution]");
+}
+
+// A category is its id whatever its other fields; an item is all of its fields, so a
+// rescan that measured differently is another item in a set.
+TEST(CatalogueValues, CategoriesAreTheirIdAndItemsAllTheirFieldsInSets) {
+    const CleanCategory caches{"user.caches", CategoryGroup::user, "User Caches", "", "", Risk::safe, true};
+    const CleanCategory renamed{"user.caches", CategoryGroup::system, "Other", "x",
+                                "cpu",         Risk::review,          false};
+    const CleanCategory logs{"user.logs", CategoryGroup::user, "User Caches", "", "", Risk::safe, true};
+    EXPECT_EQ(caches, renamed);
+    EXPECT_NE(caches, logs);
+    EXPECT_EQ((std::unordered_set<CleanCategory>{caches, renamed, logs}.size()), 2u);
+    const ScanItem item = pathItem("/data/cache/blob");
+    ScanItem resized = item;
+    resized.size = 8192;
+    EXPECT_EQ((std::unordered_set<ScanItem>{item, resized, ScanItem(item)}.size()), 2u);
 }
 
 TEST(ScanItem, LocationShowsCommandTextOrParentFolderWithHomeAbbreviated) {
