@@ -34,16 +34,11 @@ TEST_F(WindowTest, ScanMenuEnablesByPhaseAndSelection) {
     key(Qt::Key_Period, Qt::ControlModifier);
     EXPECT_EQ(model().phase(), AppModel::Phase::idle);
 
-    trigger("menuRescan");
-    ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
-    EXPECT_EQ(state(), (Enabled{false, true, false, false, false}));
-    trigger("menuStopScan");
-    EXPECT_NE(model().phase(), AppModel::Phase::scanning);
-
     // Ctrl+R starts a scan and Ctrl+. stops one.
     holdScans();
     key(Qt::Key_R, Qt::ControlModifier);
     ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
+    EXPECT_EQ(state(), (Enabled{false, true, false, false, false}));
     key(Qt::Key_Period, Qt::ControlModifier);
     EXPECT_NE(model().phase(), AppModel::Phase::scanning);
     releaseScans();
@@ -58,13 +53,17 @@ TEST_F(WindowTest, ScanMenuEnablesByPhaseAndSelection) {
     EXPECT_EQ(model().selectionCount(), 0);
     EXPECT_EQ(state(), (Enabled{true, false, true, false, false}));
 
-    // A category scope asked for earlier is dropped: the menu cleans everything checked.
+    // The menu's Ctrl+Backspace and the action bar's Ctrl+Return clean everything
+    // checked: a category scope asked for earlier is dropped.
     const QString cacheItem = someItemKey("user.caches");
     ASSERT_FALSE(cacheItem.isEmpty());
     model().setItemSelected(cacheItem, true);
-    model().requestClean("user.logs");
-    key(Qt::Key_Backspace, Qt::ControlModifier);
-    EXPECT_EQ(model().cleanScope(), "");
-    EXPECT_TRUE(model().showConfirm());
-    model().setShowConfirm(false);
+    for (const Qt::Key shortcut : {Qt::Key_Backspace, Qt::Key_Return}) {
+        model().requestClean("user.logs");
+        ASSERT_FALSE(model().showConfirm());
+        key(shortcut, Qt::ControlModifier);
+        EXPECT_EQ(model().cleanScope(), "") << shortcut;
+        EXPECT_TRUE(model().showConfirm()) << shortcut;
+        model().setShowConfirm(false);
+    }
 }
