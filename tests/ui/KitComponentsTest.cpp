@@ -113,7 +113,6 @@ TEST_F(Kit, PillWithoutSymbolHasNoLeadingGap) {
     auto* plainText = plain->findChild<QQuickItem*>(QStringLiteral("pillText"));
     auto* symbol = withSymbol->findChild<QQuickItem*>(QStringLiteral("pillSymbol"));
     ASSERT_TRUE(plainText && symbol);
-    EXPECT_FALSE(plain->findChild<QQuickItem*>(QStringLiteral("pillSymbol"))->isVisible());
     // The text alone, padded equally on both sides.
     EXPECT_DOUBLE_EQ(plainText->mapToItem(plain, QPointF(0, 0)).x() * 2 + plainText->implicitWidth(),
                      plain->implicitWidth());

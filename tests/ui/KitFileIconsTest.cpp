@@ -29,10 +29,6 @@ QColor centre(const QString& path) {
     return image.pixelColor(side / 2, side * 2 / 3);
 }
 
-std::string text(const QColor& c) {
-    return c.name(QColor::HexArgb).toStdString();
-}
-
 // A one-size icon theme holding plain squares of one colour each.
 void writeTheme(const QString& root, const QList<QPair<QString, QColor>>& icons) {
     const QString folder = root + QStringLiteral("/kittest");
@@ -100,7 +96,7 @@ TEST(KitFileIcons, FallBackFromTheTypeIconToItsGenericIconToTheBundledOnes) {
         for (const Case& each : cases) {
             const QColor shown = centre(at(each.name));
             EXPECT_PRED3(UiHarness::similar, shown, themed ? each.themed : each.bare, 6)
-                << each.name << ": " << text(shown);
+                << each.name << ": " << shown.name(QColor::HexArgb).toStdString();
         }
     }
     QIcon::setThemeName(QString());

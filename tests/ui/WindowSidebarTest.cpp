@@ -115,7 +115,6 @@ TEST_F(WindowTest, CategoryContextMenuSelectsAndCleansOnlyWhenItMay) {
     ASSERT_NE(model().selectedSize("user.caches"), model().totalSize("user.caches"));
     shows(Format::byteCount(model().selectedSize("user.caches")), true);
     QMetaObject::invokeMethod(find("menuDeselectAllInCategory"), "triggered");
-    EXPECT_EQ(model().selectedCount("user.caches"), 0);
     EXPECT_FALSE(cleanItem->property("enabled").toBool());
     shows(total, false);
     QMetaObject::invokeMethod(find("menuSelectAllInCategory"), "triggered");
