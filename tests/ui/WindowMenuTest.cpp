@@ -47,10 +47,8 @@ TEST_F(WindowTest, ScanMenuEnablesByPhaseAndSelection) {
     ASSERT_TRUE(scanToEnd());
     EXPECT_EQ(state(), (Enabled{true, false, true, false, false}));
     trigger("menuSelectRecommended");
-    ASSERT_GT(model().selectionCount(), 0);
     EXPECT_EQ(state(), (Enabled{true, false, true, true, true}));
     trigger("menuDeselectAll");
-    EXPECT_EQ(model().selectionCount(), 0);
     EXPECT_EQ(state(), (Enabled{true, false, true, false, false}));
 
     // The menu's Ctrl+Backspace and the action bar's Ctrl+Return clean everything
