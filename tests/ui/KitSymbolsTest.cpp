@@ -4,6 +4,7 @@
 #include "UiHarness.h"
 
 #include "catalogue/CleanupRules.h"
+#include "support/PathQueries.h"
 #include "systemdata/SystemDataCatalog.h"
 #include "ui/SymbolImageProvider.h"
 #include "ui/SymbolMap.h"
@@ -35,9 +36,7 @@ QSet<QString> namesInQml() {
                     QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QString path = it.next();
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-        const QString text = QString::fromUtf8(file.readAll());
+        const QString text = QString::fromStdString(readFile(path.toStdString()));
         for (const char* property : {"symbol", "systemImage", "name"})
             collectLiterals(text, QString::fromLatin1(property), &names);
     }
