@@ -8,13 +8,9 @@
 #include "ui/FileIconProvider.h"
 
 #include <QColor>
-#include <QDir>
-#include <QFile>
 #include <QIcon>
 #include <QImage>
 #include <QUrl>
-
-#include <unistd.h>
 
 namespace {
 
@@ -29,22 +25,15 @@ QColor centre(const QString& path) {
     return image.pixelColor(side / 2, side * 2 / 3);
 }
 
-std::string text(const QColor& c) {
-    return c.name(QColor::HexArgb).toStdString();
-}
-
-// A one-size icon theme holding plain squares of one colour each.
-void writeTheme(const QString& root, const QList<QPair<QString, QColor>>& icons) {
-    const QString folder = root + QStringLiteral("/kittest");
-    ASSERT_TRUE(QDir().mkpath(folder + QStringLiteral("/32x32")));
-    QFile index(folder + QStringLiteral("/index.theme"));
-    ASSERT_TRUE(index.open(QIODevice::WriteOnly));
-    index.write("[Icon Theme]\nName=kittest\nDirectories=32x32\n\n[32x32]\nSize=32\nType=Fixed\n");
-    index.close();
+// A one-size icon theme "kittest" in themes/ holding plain squares of one colour each.
+void writeTheme(const TempTree& tree, const QList<QPair<std::string, QColor>>& icons) {
+    tree.makeFile("themes/kittest/index.theme",
+                  "[Icon Theme]\nName=kittest\nDirectories=32x32\n\n[32x32]\nSize=32\nType=Fixed\n");
     for (const auto& [name, colour] : icons) {
         QImage square(side, side, QImage::Format_ARGB32);
         square.fill(colour);
-        ASSERT_TRUE(square.save(folder + QStringLiteral("/32x32/") + name + QStringLiteral(".png")));
+        ASSERT_TRUE(
+            square.save(QString::fromStdString(tree.makeDir("themes/kittest/32x32") + "/" + name + ".png")));
     }
 }
 
@@ -54,27 +43,20 @@ TEST(KitFileIcons, FallBackFromTheTypeIconToItsGenericIconToTheBundledOnes) {
     TempTree tree;
     const QString root = QString::fromStdString(tree.root());
     auto at = [&](const char* name) { return root + QLatin1Char('/') + QString::fromUtf8(name); };
-    ASSERT_TRUE(QDir().mkpath(at("Folder")));
-    for (const char* name : {"notes.txt", "table.csv", "odd #1? 100% ü.txt"}) {
-        QFile file(at(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("a,b\n1,2\n");
-    }
+    tree.makeDir("Folder");
+    for (const char* name : {"notes.txt", "table.csv", "odd #1? 100% ü.txt"})
+        tree.makeFile(name, "a,b\n1,2\n");
     // Links to a folder: one named like a text file, one without an extension; and a
     // pipe, which is never opened (that would wait for a writer).
     for (const char* link : {"alias.txt", "alias"})
-        ASSERT_EQ(
-            ::symlink(QFile::encodeName(at("Folder")).constData(), QFile::encodeName(at(link)).constData()),
-            0);
+        tree.makeSymlink(link, tree.path("Folder"));
     tree.makeFifo("pipe.txt");
 
     // The bundled icons' colours where the probe looks: the white page of the file, the
     // blue front of the folder; and a theme's plain-text and generic text icons.
     const QColor file(255, 255, 255), folder(0x6e, 0xa9, 0xec), plainText(255, 0, 0), genericText(0, 160, 0);
-    writeTheme(root + QStringLiteral("/themes"),
-               {{QStringLiteral("text-plain"), plainText}, {QStringLiteral("text-x-generic"), genericText}});
-    const QString noThemes = root + QStringLiteral("/no-themes");
-    ASSERT_TRUE(QDir().mkpath(noThemes));
+    writeTheme(tree, {{"text-plain", plainText}, {"text-x-generic", genericText}});
+    const QString noThemes = QString::fromStdString(tree.makeDir("no-themes"));
     QIcon::setFallbackSearchPaths({});
     struct Case {
         const char* name;
@@ -100,7 +82,7 @@ TEST(KitFileIcons, FallBackFromTheTypeIconToItsGenericIconToTheBundledOnes) {
         for (const Case& each : cases) {
             const QColor shown = centre(at(each.name));
             EXPECT_PRED3(UiHarness::similar, shown, themed ? each.themed : each.bare, 6)
-                << each.name << ": " << text(shown);
+                << each.name << ": " << shown.name(QColor::HexArgb).toStdString();
         }
     }
     QIcon::setThemeName(QString());

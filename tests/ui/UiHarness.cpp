@@ -2,7 +2,6 @@
 
 #include "ui/Platform.h"
 #include "ui/UiServices.h"
-#include "ui/WindowSearch.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -110,18 +109,6 @@ void QmlTest::TearDown() {
     EXPECT_TRUE(messages.isEmpty()) << "Warnings while the test ran:\n" << messages.join('\n').toStdString();
 }
 
-QQmlApplicationEngine& QmlTest::engine() {
-    if (!engine_) {
-        engine_ = std::make_unique<QQmlApplicationEngine>();
-        UiServices::install(*engine_);
-    }
-    return *engine_;
-}
-
-QObject* QmlTest::findNamed(const QString& name) {
-    return WindowSearch::firstNamed(window_, name);
-}
-
 QQuickWindow* QmlTest::loadInWindow(const QByteArray& body, int width, int height) {
     const QByteArray text = "import QtQuick\n"
                             "import QtQuick.Window\n"
@@ -130,8 +117,12 @@ QQuickWindow* QmlTest::loadInWindow(const QByteArray& body, int width, int heigh
                             "    width: " +
                             QByteArray::number(width) + "; height: " + QByteArray::number(height) +
                             "\n    visible: true\n" + body + "\n}\n";
-    engine().loadData(text, QUrl(QStringLiteral("qrc:/kit-test/TestWindow.qml")));
-    const auto roots = engine().rootObjects();
+    if (!engine_) {
+        engine_ = std::make_unique<QQmlApplicationEngine>();
+        UiServices::install(*engine_);
+    }
+    engine_->loadData(text, QUrl(QStringLiteral("qrc:/kit-test/TestWindow.qml")));
+    const auto roots = engine_->rootObjects();
     window_ = roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.last());
     EXPECT_NE(window_, nullptr) << "The test window did not load";
     if (window_) {

@@ -14,6 +14,8 @@
 #include <QUrl>
 #include <QVariant>
 
+#include "ui/WindowSearch.h"
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -79,20 +81,18 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    QQmlApplicationEngine& engine();
-
     // Loads a window whose content is `body` (QML text, imports of QtQuick and Veltro
     // in scope) and returns it shown, or null with a test failure.
     QQuickWindow* loadInWindow(const QByteArray& body, int width = 400, int height = 300);
 
     // The object named `name` in the loaded window (items a Repeater made included), or null.
-    template <typename T = QObject> T* find(const QString& name) { return qobject_cast<T*>(findNamed(name)); }
+    template <typename T = QObject> T* find(const QString& name) {
+        return qobject_cast<T*>(WindowSearch::firstNamed(window_, name));
+    }
 
     QQuickWindow* window() const { return window_; }
 
 private:
-    QObject* findNamed(const QString& name);
-
     std::unique_ptr<QQmlApplicationEngine> engine_;
     QQuickWindow* window_ = nullptr;
 };

@@ -30,7 +30,6 @@ void WindowTest::SetUp() {
 
     model_ = std::make_unique<AppModel>();
     engine_ = std::make_unique<QQmlApplicationEngine>();
-    engine_->addImportPath(QStringLiteral("qrc:/"));
     UiServices::install(*engine_);
     engine_->load(QUrl(QStringLiteral("qrc:/Veltro/Main.qml")));
     const auto roots = engine_->rootObjects();

@@ -213,11 +213,8 @@ TEST_F(WindowGeometry, EveryScreenFitsEverySize) {
             ASSERT_TRUE(UiHarness::waitFor([&] { return window()->size() == size; }) && settledAll());
             for (const QString& screen : screens) {
                 showScreen(screen);
-                const std::string where = QStringLiteral("%1 at %2×%3%4")
-                                              .arg(screen)
-                                              .arg(size.width())
-                                              .arg(size.height())
-                                              .arg(varied ? ", varied" : "")
+                const std::string where = QString::asprintf("%s at %d×%d%s", qPrintable(screen), size.width(),
+                                                            size.height(), varied ? ", varied" : "")
                                               .toStdString();
                 const QStringList found = faults();
                 EXPECT_TRUE(found.isEmpty()) << where << ":\n" << found.join('\n').toStdString();

@@ -23,10 +23,9 @@ TEST_F(WindowTest, ScanMenuEnablesByPhaseAndSelection) {
         return Enabled{on("menuRescan"), on("menuStopScan"), on("menuSelectRecommended"),
                        on("menuDeselectAll"), on("menuCleanSelected")};
     };
+    // A missing action triggers nothing, which the states after it show.
     auto trigger = [&](const char* name) {
-        auto* action = read(name, "action").value<QObject*>();
-        ASSERT_NE(action, nullptr) << name;
-        QMetaObject::invokeMethod(action, "trigger");
+        QMetaObject::invokeMethod(read(name, "action").value<QObject*>(), "trigger");
     };
 
     EXPECT_EQ(state(), (Enabled{true, false, false, false, false}));
@@ -34,16 +33,11 @@ TEST_F(WindowTest, ScanMenuEnablesByPhaseAndSelection) {
     key(Qt::Key_Period, Qt::ControlModifier);
     EXPECT_EQ(model().phase(), AppModel::Phase::idle);
 
-    trigger("menuRescan");
-    ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
-    EXPECT_EQ(state(), (Enabled{false, true, false, false, false}));
-    trigger("menuStopScan");
-    EXPECT_NE(model().phase(), AppModel::Phase::scanning);
-
     // Ctrl+R starts a scan and Ctrl+. stops one.
     holdScans();
     key(Qt::Key_R, Qt::ControlModifier);
     ASSERT_EQ(model().phase(), AppModel::Phase::scanning);
+    EXPECT_EQ(state(), (Enabled{false, true, false, false, false}));
     key(Qt::Key_Period, Qt::ControlModifier);
     EXPECT_NE(model().phase(), AppModel::Phase::scanning);
     releaseScans();
@@ -52,19 +46,21 @@ TEST_F(WindowTest, ScanMenuEnablesByPhaseAndSelection) {
     ASSERT_TRUE(scanToEnd());
     EXPECT_EQ(state(), (Enabled{true, false, true, false, false}));
     trigger("menuSelectRecommended");
-    ASSERT_GT(model().selectionCount(), 0);
     EXPECT_EQ(state(), (Enabled{true, false, true, true, true}));
     trigger("menuDeselectAll");
-    EXPECT_EQ(model().selectionCount(), 0);
     EXPECT_EQ(state(), (Enabled{true, false, true, false, false}));
 
-    // A category scope asked for earlier is dropped: the menu cleans everything checked.
+    // The menu's Ctrl+Backspace and the action bar's Ctrl+Return clean everything
+    // checked: a category scope asked for earlier is dropped.
     const QString cacheItem = someItemKey("user.caches");
     ASSERT_FALSE(cacheItem.isEmpty());
     model().setItemSelected(cacheItem, true);
-    model().requestClean("user.logs");
-    key(Qt::Key_Backspace, Qt::ControlModifier);
-    EXPECT_EQ(model().cleanScope(), "");
-    EXPECT_TRUE(model().showConfirm());
-    model().setShowConfirm(false);
+    for (const Qt::Key shortcut : {Qt::Key_Backspace, Qt::Key_Return}) {
+        model().requestClean("user.logs");
+        ASSERT_FALSE(model().showConfirm());
+        key(shortcut, Qt::ControlModifier);
+        EXPECT_EQ(model().cleanScope(), "") << shortcut;
+        EXPECT_TRUE(model().showConfirm()) << shortcut;
+        model().setShowConfirm(false);
+    }
 }

@@ -3,9 +3,8 @@
 
 #include "support/BinaryRun.h"
 #include "support/FakeHome.h"
+#include "support/PathQueries.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QImage>
 
 #include <gtest/gtest.h>
@@ -18,10 +17,10 @@ TEST(WindowProcess, ScreenshotRunPicturesTheWindowAndEndsWhenItCloses) {
     const std::string unchecked = home.makeFileOfSize("Library/Logs/example.log", 40'000);
     home.makeFileOfSize("Library/Mail/V10/inbox.mbox", 200'000);
     home.makeFile(".veltro-screenshot-home");
-    const QString shots = QString::fromStdString(home.tree().makeDir("shots"));
+    const std::string shots = home.tree().makeDir("shots");
 
     // A window that stayed open would hold the run until the test's time limit.
-    const BinaryRun run = BinaryRun::of({"--screenshot-dir", shots.toStdString()});
+    const BinaryRun run = BinaryRun::of({"--screenshot-dir", shots});
     EXPECT_EQ(run.status, 0) << run.err;
 
     const char* names[] = {"window-before.png",   "window-during.png", "window-after.png",
@@ -30,7 +29,7 @@ TEST(WindowProcess, ScreenshotRunPicturesTheWindowAndEndsWhenItCloses) {
     constexpr int count = int(std::size(names));
     QImage pictures[count];
     for (int i = 0; i < count; ++i) {
-        ASSERT_TRUE(pictures[i].load(QDir(shots).filePath(names[i]))) << names[i];
+        ASSERT_TRUE(pictures[i].load(QString::fromStdString(shots + "/" + names[i]))) << names[i];
         EXPECT_EQ(pictures[i].size(), QSize(1180, 760)) << names[i];
     }
     // Each moment looks different: sizes appear, the pill comes and goes, items get
@@ -42,23 +41,23 @@ TEST(WindowProcess, ScreenshotRunPicturesTheWindowAndEndsWhenItCloses) {
             EXPECT_NE(pictures[i], pictures[j]) << names[i] << " and " << names[j];
 
     // The one item checked on the category screen was cleaned, and nothing else.
-    EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(checked)));
-    EXPECT_TRUE(QFileInfo::exists(QString::fromStdString(unchecked)));
+    EXPECT_FALSE(exists(checked));
+    EXPECT_TRUE(exists(unchecked));
 }
 
 TEST(WindowProcess, ScreenshotRunCleansNothingInAHomeNotMadeForIt) {
     FakeHome home;
     const std::string cache = home.makeFileOfSize("Library/Caches/com.example.editor/blob.bin", 300'000);
-    const QString shots = QString::fromStdString(home.tree().makeDir("shots"));
+    const std::string shots = home.tree().makeDir("shots");
 
     // A window that stayed open would hold the run until the test's time limit.
-    const BinaryRun run = BinaryRun::of({"--screenshot-dir", shots.toStdString()});
+    const BinaryRun run = BinaryRun::of({"--screenshot-dir", shots});
     EXPECT_EQ(run.status, 1) << "a tour that skipped a picture reports it";
     EXPECT_NE(run.err.find(".veltro-screenshot-home"), std::string::npos) << run.err;
-    EXPECT_TRUE(QFileInfo::exists(QString::fromStdString(cache)));
-    EXPECT_TRUE(QFileInfo::exists(QDir(shots).filePath("confirm-sheet.png")));
-    EXPECT_FALSE(QFileInfo::exists(QDir(shots).filePath("result-sheet.png")));
-    EXPECT_TRUE(QFileInfo::exists(QDir(shots).filePath("system-data.png")));
+    EXPECT_TRUE(exists(cache));
+    EXPECT_TRUE(exists(shots + "/confirm-sheet.png"));
+    EXPECT_FALSE(exists(shots + "/result-sheet.png"));
+    EXPECT_TRUE(exists(shots + "/system-data.png"));
 }
 
 TEST(WindowProcess, CommandsRunWithoutADisplay) {

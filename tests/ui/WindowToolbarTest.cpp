@@ -25,24 +25,6 @@ TEST_F(WindowTest, ToolbarButtonFollowsThePhase) {
     click(item(button));
     EXPECT_NE(model().phase(), AppModel::Phase::scanning);
     releaseScans();
-    ASSERT_TRUE(UiHarness::waitFor([&] { return !model().hasRunningWork(); }, 30000));
-
-    ASSERT_TRUE(scanToEnd());
-
-    // A clean disables it and every command of the scan menu, and its result sheet
-    // closes back into the model's flag.
-    model().setItemSelected(someItemKey("user.caches"), true);
-    model().clean();
-    ASSERT_EQ(model().phase(), AppModel::Phase::cleaning);
-    for (const char* name : {"toolbarButton", "menuRescan", "menuStopScan", "menuSelectRecommended",
-                             "menuDeselectAll", "menuCleanSelected"})
-        EXPECT_FALSE(read(name, "enabled").toBool()) << name;
-    ASSERT_TRUE(waitForPhase(AppModel::Phase::ready));
-    EXPECT_TRUE(read(button, "enabled").toBool());
-    EXPECT_TRUE(UiHarness::waitFor([&] { return read("resultSheet", "opened").toBool(); }));
-    this->key(Qt::Key_Escape);
-    EXPECT_TRUE(UiHarness::waitFor([&] { return !read("resultSheet", "visible").toBool(); }));
-    EXPECT_FALSE(model().showResult());
 }
 
 TEST_F(WindowTest, RoutesChooseTheDetailScreen) {
