@@ -303,6 +303,27 @@ TEST(Trash, AnotherMountUsesItsOwnTrashAndRenamesIntoIt) {
     EXPECT_FALSE(exists(home.path(".local/share/Trash")));
 }
 
+// The desktop's own tools read what was moved, each with its original place: our info
+// files and our restoring reader could share a misreading that this one does not.
+TEST(Trash, TheDesktopsTrashListingShowsWhatWasMoved) {
+    if (std::system("command -v gio >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "gio is not installed";
+    TrashHome home;
+    std::string expected;
+    for (const char* name : {"a+b=c;d", "it's", "report 100%.pdf"}) {
+        const std::string item = home.makeFile(std::string("Documents/") + name, name);
+        ASSERT_EQ(Trash::moveToTrash(item).error, 0) << name;
+        expected += item + "\n";
+    }
+    // gio reads the Trash through the desktop's file-system daemon, on a bus of its own; it
+    // may list other mounts' trashes too, so only the fake home's lines are kept.
+    const std::string listing = home.tree().path("listing");
+    const std::string command = "dbus-run-session -- gio trash --list 2>/dev/null | cut -f2 | grep '^" +
+                                home.home() + "/' | LC_ALL=C sort >" + listing;
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(readFile(listing), expected) << "gio needs the gvfs package: run scripts/bootstrap";
+}
+
 // A rename would take the mount along into the Trash.
 TEST(Trash, AFolderWithSomethingMountedInsideStaysWhereItIs) {
     if (::geteuid() != 0)
