@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -36,7 +37,9 @@ struct TrashHome : FakeHome {
 std::string localNow(const char* zone) {
     ::setenv("TZ", zone, 1);
     ::tzset();
-    const std::time_t now = std::time(nullptr);
+    // The clock the Trash dates by: time() reads a coarser one that can lag it by a tick.
+    const std::time_t now =
+        std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()).time_since_epoch().count();
     std::tm local{};
     ::localtime_r(&now, &local);
     char text[64];
