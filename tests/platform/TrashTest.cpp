@@ -1,4 +1,5 @@
 #include "platform/Trash.h"
+#include "platform/Date.h"
 #include "platform/Environment.h"
 #include "platform/Paths.h"
 #include "platform/TrashInfo.h"
@@ -38,8 +39,7 @@ std::string localNow(const char* zone) {
     ::setenv("TZ", zone, 1);
     ::tzset();
     // The clock the Trash dates by: time() reads a coarser one that can lag it by a tick.
-    const std::time_t now =
-        std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()).time_since_epoch().count();
+    const std::time_t now = std::chrono::floor<std::chrono::seconds>(Dates::now()).time_since_epoch().count();
     std::tm local{};
     ::localtime_r(&now, &local);
     char text[64];
